@@ -1,0 +1,911 @@
+#include "core/dataline.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+const char* const kDefaultSeparators = " ";
+
+// Printable, non-blank ASCII: what the trim keeps at the ends of a text.
+inline bool isGraphic(char c) {
+    const unsigned char byte = static_cast<unsigned char>(c);
+    return byte > 0x20 && byte < 0x7f;
+}
+
+// True when the `count` bytes at `bytes` are all zero; reads eight at a time where it can.
+inline bool allZero(const char* bytes, size_t count) {
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        uint64_t chunk;
+        std::memcpy(&chunk, bytes + i, sizeof chunk);
+        if (chunk != 0) return false;
+    }
+    for (; i < count; ++i) {
+        if (bytes[i] != '\0') return false;
+    }
+    return true;
+}
+
+// How far past its known extent a buffer is searched for text that callers wrote in place. A caller's
+// text that outruns the extent shows there at once; only a pile of ever shorter texts could hide
+// behind a run of this many zeros.
+constexpr size_t kLookAhead = 32;
+
+// Where the written part of `buffer` ends: the known extent, pushed past any text that callers
+// wrote beyond it.
+inline size_t writtenExtent(const char* buffer, size_t size, size_t knownExtent) {
+    size_t extent = knownExtent;
+    while (extent < size && !allZero(buffer + extent, std::min(kLookAhead, size - extent))) {
+        extent = std::min(size, extent + strnlen(buffer + extent, size - extent) + 1);
+    }
+    return extent;
+}
+
+// Zeroes `buffer` as far as it may have been written, which leaves all of it zero.
+inline void clearWritten(char* buffer, size_t size, size_t knownExtent) {
+    std::memset(buffer, 0, writtenExtent(buffer, size, knownExtent));
+}
+
+// Tokens up to this length go into their slot in whole 8-byte chunks.
+constexpr size_t kShortToken = 56;
+
+// The mask that keeps the first `count` bytes (0 to 7) of an 8-byte chunk in memory order.
+inline uint64_t keepFirstBytes(size_t count) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    return count == 0 ? 0 : ~uint64_t{0} << (8 * (8 - count));
+#else
+    return (uint64_t{1} << (8 * count)) - 1;
+#endif
+}
+
+// Where a word slot's written part ends, given the mark of the reader's own writes. Two 8-byte probes
+// settle the usual case; text that callers wrote past the mark sends it to the full search.
+inline size_t slotExtent(const char* word, size_t size, size_t mark) {
+    if (mark + 16 <= size) {
+        uint64_t probe[2];
+        std::memcpy(probe, word + mark, sizeof probe);
+        if ((probe[0] | probe[1]) == 0) return mark;
+    }
+    return writtenExtent(word, size, mark);
+}
+
+// Copies a short token into a slot written up to `extent`, and zeroes whatever stood behind the
+// token before: the slot ends as if it had been cleared and the token copied. Copies whole 8-byte
+// chunks, so it reads up to 7 bytes past the token, which the line buffer always has.
+inline void storeShortToken(char* word, size_t extent, const char* token, size_t length) {
+    size_t done = 0;
+    for (; done + 8 <= length; done += 8) std::memcpy(word + done, token + done, 8);
+    uint64_t last;  // the rest of the token, its NUL and zeros
+    std::memcpy(&last, token + done, 8);
+    last &= keepFirstBytes(length - done);
+    std::memcpy(word + done, &last, 8);
+    const size_t written = done + 8;
+    if (extent > written) std::memset(word + written, 0, extent - written);
+}
+
+// Puts a token into a word slot with the same result as clearing the slot, copying the token in
+// (cut to the slot) and trimming it. `mark` is the slot's extent of the reader's own writes.
+inline void storeToken(char* word, uint16_t& mark, const char* token, size_t length) {
+    const size_t extent = slotExtent(word, DataLine::kWordSize, mark);
+    const size_t kept = std::min<size_t>(length, DataLine::kWordSize - 1);
+    if (kept <= kShortToken) {
+        storeShortToken(word, extent, token, kept);
+    } else {
+        std::memset(word, 0, extent);
+        std::memcpy(word, token, kept);
+        word[kept] = '\0';
+    }
+    mark = static_cast<uint16_t>(kept + 1);
+    // Tokens hold no separator but may hold other blanks; most need no trim at all.
+    if (kept > 0 && (!isGraphic(token[0]) || !isGraphic(token[kept - 1]))) {
+        Generic::RemoveLeadingAndTrailingBlanks(word);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Sixteen bytes at a time. Every x86-64 has SSE2; elsewhere the same answers come a byte at a time.
+
+// Bytes of padding behind the line buffer, so that a scan may read whole blocks past the end of
+// the text without leaving the allocation. Nothing is ever written there.
+constexpr size_t kLinePadding = 64;
+
+// The most separators that are compared byte for byte; larger sets go through a table.
+constexpr unsigned kFewSeparators = 4;
+
+#if defined(__SSE2__)
+
+class Block16 {
+public:
+    using Spread = __m128i;
+
+    static Spread spread(unsigned char byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+    static Block16 load(const char* bytes) {
+        return Block16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
+    }
+
+    // Bit i set when byte i is `spread`'s byte.
+    unsigned equal(const Spread& byte) const {
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(m_Bytes, byte)));
+    }
+    unsigned zeros() const { return equal(_mm_setzero_si128()); }
+    // Bit i set when the trim would take byte i away: blanks, control bytes, DEL and bytes from 128 up.
+    unsigned blanks() const {
+        // As signed bytes, everything from 128 up is below 0x21 too.
+        const __m128i low = _mm_cmplt_epi8(m_Bytes, _mm_set1_epi8(0x21));
+        const __m128i del = _mm_cmpeq_epi8(m_Bytes, _mm_set1_epi8(0x7f));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(low, del)));
+    }
+    bool allZero() const { return zeros() == 0xFFFF; }
+
+private:
+    explicit Block16(__m128i bytes) : m_Bytes(bytes) {}
+    __m128i m_Bytes;
+};
+
+// Copies a token of under 16 bytes into the first 16 bytes of `word`, zeros behind it.
+inline void storeSmallToken(char* word, const char* token, size_t length) {
+    alignas(16) static const unsigned char kKeep[32] = {
+        0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff};
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(token));
+    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - length));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(word), _mm_and_si128(bytes, keep));
+}
+
+#else
+
+class Block16 {
+public:
+    using Spread = unsigned char;
+
+    static Spread spread(unsigned char byte) { return byte; }
+    static Block16 load(const char* bytes) {
+        Block16 block;
+        std::memcpy(block.m_Bytes, bytes, sizeof block.m_Bytes);
+        return block;
+    }
+
+    unsigned equal(Spread byte) const {
+        unsigned bits = 0;
+        for (unsigned i = 0; i < 16; ++i) bits |= unsigned{m_Bytes[i] == byte} << i;
+        return bits;
+    }
+    unsigned zeros() const { return equal(0); }
+    unsigned blanks() const {
+        unsigned bits = 0;
+        for (unsigned i = 0; i < 16; ++i) bits |= unsigned{m_Bytes[i] <= 0x20 || m_Bytes[i] >= 0x7f} << i;
+        return bits;
+    }
+    bool allZero() const { return zeros() == 0xFFFF; }
+
+private:
+    unsigned char m_Bytes[16];
+};
+
+inline void storeSmallToken(char* word, const char* token, size_t length) {
+    uint64_t chunks[2];
+    std::memcpy(chunks, token, sizeof chunks);
+    if (length < 8) {
+        chunks[0] &= keepFirstBytes(length);
+        chunks[1] = 0;
+    } else {
+        chunks[1] &= keepFirstBytes(length - 8);
+    }
+    std::memcpy(word, chunks, sizeof chunks);
+}
+
+#endif
+
+inline unsigned lowestBit(uint64_t bits) { return static_cast<unsigned>(__builtin_ctzll(bits)); }
+
+// Position of the first NUL at or after `text`. Reads whole 32-byte steps, so the buffer must be
+// readable that far past the NUL, as the padded line buffer is.
+inline size_t textLength(const char* text) {
+    for (size_t at = 0;; at += 32) {
+        const unsigned zeros = Block16::load(text + at).zeros() | (Block16::load(text + at + 16).zeros() << 16);
+        if (zeros != 0) return at + lowestBit(zeros);
+    }
+}
+
+// The trim of Generic::RemoveLeadingAndTrailingBlanks on a text whose length is known, with the same
+// result; `length` becomes the trimmed length. False when nothing is left.
+inline bool trimText(char* text, size_t& length) {
+    size_t first = 0;
+    while (first < length && !isGraphic(text[first])) ++first;
+    if (first == length) {
+        text[0] = '\0';
+        length = 0;
+        return false;
+    }
+    size_t last = length - 1;
+    while (!isGraphic(text[last])) --last;  // stops at `first` at the latest
+    const size_t kept = last - first + 1;
+    // Too long a text ends the process there, with the helper's own message.
+    if (kept >= Generic::kTrimLimit) Generic::RemoveLeadingAndTrailingBlanks(text);
+    if (first != 0) std::memmove(text, text + first, kept);
+    text[kept] = '\0';
+    length = kept;
+    return true;
+}
+
+// A separator set taken apart once for the cut: its distinct bytes where they are few, a table always.
+struct SeparatorSet {
+    std::string text;
+    unsigned count = 0;
+    unsigned char bytes[kFewSeparators] = {};
+    std::array<uint8_t, 256> table{};
+
+    void assign(const char* separators) {
+        text = separators;
+        table.fill(0);
+        count = 0;
+        for (const char* c = separators; *c != '\0'; ++c) {
+            const unsigned char byte = static_cast<unsigned char>(*c);
+            if (table[byte] != 0) continue;
+            table[byte] = 1;
+            if (count < kFewSeparators) bytes[count] = byte;
+            ++count;
+        }
+    }
+};
+
+// Marks a block's separators by comparing with each of `Count` bytes, or by the table when Count is 0.
+template <unsigned Count>
+class SeparatorMatcher {
+public:
+    explicit SeparatorMatcher(const SeparatorSet& set) {
+        // A smaller set fills the spare places with its first byte, which changes nothing.
+        for (unsigned i = 0; i < Count; ++i) m_Spread[i] = Block16::spread(set.bytes[i < set.count ? i : 0]);
+    }
+    unsigned operator()(const Block16& block, const char*) const {
+        unsigned bits = block.equal(m_Spread[0]);
+        for (unsigned i = 1; i < Count; ++i) bits |= block.equal(m_Spread[i]);
+        return bits;
+    }
+
+private:
+    typename Block16::Spread m_Spread[Count];
+};
+
+template <>
+class SeparatorMatcher<0> {
+public:
+    explicit SeparatorMatcher(const SeparatorSet& set) : m_Table(set.table.data()) {}
+    unsigned operator()(const Block16&, const char* bytes) const {
+        unsigned bits = 0;
+        for (unsigned i = 0; i < 16; ++i) bits |= unsigned{m_Table[static_cast<unsigned char>(bytes[i])]} << i;
+        return bits;
+    }
+
+private:
+    const uint8_t* m_Table;
+};
+
+// Where the tokens of a line start and end, as strtok would find them.
+struct TokenBounds {
+    // A line the trim lets through is under 8192 bytes, so it holds at most 4096 tokens.
+    static constexpr size_t kMaxTokens = Generic::kTrimLimit / 2;
+    static constexpr size_t kMaxBlocks = Generic::kTrimLimit / 16 + 4;
+
+    uint16_t starts[kMaxTokens];
+    // The first separator behind each token, or the length of the text.
+    uint16_t ends[kMaxTokens];
+    // One bit per byte, set at separators and from the end of the text on; four blocks make a chunk.
+    uint16_t separatorBits[kMaxBlocks];
+    unsigned count = 0;
+    // Some byte of a token is one the trim would take away (a tab, a return, a byte from 128 up),
+    // so tokens need a look at their ends.
+    bool oddBytes = false;
+
+    // Finds the tokens of `text` (`length` under 8192, readable 64 bytes further).
+    template <unsigned Count>
+    void find(const char* text, size_t length, const SeparatorSet& set) {
+        const SeparatorMatcher<Count> isSeparator(set);
+        const size_t fullBlocks = length / 16;
+        unsigned odd = 0;
+        for (size_t b = 0; b < fullBlocks; ++b) {
+            const char* bytes = text + 16 * b;
+            const Block16 block = Block16::load(bytes);
+            const unsigned separators = isSeparator(block, bytes);
+            separatorBits[b] = static_cast<uint16_t>(separators);
+            odd |= block.blanks() & ~separators;
+        }
+        // The block that holds the end of the text: from the end on, every byte counts as a
+        // separator, so that every token ends.
+        {
+            const char* bytes = text + 16 * fullBlocks;
+            const Block16 block = Block16::load(bytes);
+            const unsigned inside = (1u << (length % 16)) - 1;
+            const unsigned separators = isSeparator(block, bytes) | ~inside;
+            separatorBits[fullBlocks] = static_cast<uint16_t>(separators);
+            odd |= block.blanks() & ~separators;
+        }
+        size_t blocks = fullBlocks + 1;
+        while (blocks % 4 != 0) separatorBits[blocks++] = 0xFFFF;
+        oddBytes = odd != 0;
+
+        unsigned found = 0;
+        unsigned ended = 0;
+        uint64_t carry = 1;  // the start of the text counts as behind a separator
+        for (size_t chunk = 0; chunk < blocks / 4; ++chunk) {
+            uint64_t marks;
+            std::memcpy(&marks, separatorBits + 4 * chunk, sizeof marks);
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+            marks = static_cast<uint64_t>(separatorBits[4 * chunk]) | uint64_t{separatorBits[4 * chunk + 1]} << 16 |
+                    uint64_t{separatorBits[4 * chunk + 2]} << 32 | uint64_t{separatorBits[4 * chunk + 3]} << 48;
+#endif
+            const uint64_t behindSeparator = (marks << 1) | carry;
+            carry = marks >> 63;
+            const unsigned base = static_cast<unsigned>(64 * chunk);
+            for (uint64_t bits = ~marks & behindSeparator; bits != 0; bits &= bits - 1) {
+                starts[found++] = static_cast<uint16_t>(base + lowestBit(bits));
+            }
+            for (uint64_t bits = marks & ~behindSeparator; bits != 0; bits &= bits - 1) {
+                ends[ended++] = static_cast<uint16_t>(base + lowestBit(bits));
+            }
+        }
+        count = found;
+    }
+};
+
+}  // namespace
+
+// Every buffer the reader hands out, the marks that let a read clear only what was written, and the
+// parsed forms of the last separator set and end keyword list. Copies of a reader share all of it.
+struct DataLine::Buffers {
+    Buffers()
+        : line(new char[kLineSize + kLinePadding]()),
+          wordPointers(kWordSlots),
+          wordExtent(kWordSlots, 0),
+          fixedPointers(kFixedSlots),
+          values(new double[kValueCount]()) {
+        // One block for all slots, each starting on a cache line of its own, and an odd number of
+        // cache lines apart: the slots of a line's words then fall into different sets of the cache
+        // instead of crowding a few, as slots about 2 KiB apart do.
+        wordStorage.reset(new char[kWordSlots * kWordStride + kCacheLine]());
+        const uintptr_t base = reinterpret_cast<uintptr_t>(wordStorage.get());
+        char* const first = wordStorage.get() + ((kCacheLine - base % kCacheLine) % kCacheLine);
+        for (unsigned slot = 0; slot < kWordSlots; ++slot) wordPointers[slot] = first + slot * kWordStride;
+        fixedStorage.reserve(kFixedSlots);
+        for (unsigned slot = 0; slot < kFixedSlots; ++slot) {
+            fixedStorage.emplace_back(new char[kFixedSize]());
+            fixedPointers[slot] = fixedStorage.back().get();
+        }
+    }
+
+    // Parses the end keyword list, or reuses the last result while the same text comes in:
+    // section readers pass the same list for every line of a section.
+    void useEndKeywords(const char* endKeywords) {
+        // The list lives in a 128-byte buffer, so only its first 127 bytes take part. The kept text
+        // is the same list when the new one matches it and, short of the limit, ends where it ends.
+        constexpr size_t kUsable = kKeywordListSize - 1;
+        if (endKeysValid) {
+            const size_t compared = endKeysText.size() < kUsable ? endKeysText.size() + 1 : kUsable;
+            if (std::strncmp(endKeywords, endKeysText.c_str(), compared) == 0) return;
+        }
+        endKeysText.assign(endKeywords, strnlen(endKeywords, kUsable));
+        endKeys.clear();
+        if (endKeysText.find(',') == std::string::npos) {
+            // Without a comma the whole text is one keyword, even an empty one.
+            endKeys.push_back(endKeysText);
+        } else {
+            // Cut at commas as strtok would: empty pieces vanish.
+            size_t start = 0;
+            while (start <= endKeysText.size()) {
+                size_t comma = endKeysText.find(',', start);
+                if (comma == std::string::npos) comma = endKeysText.size();
+                if (comma > start) endKeys.push_back(endKeysText.substr(start, comma - start));
+                start = comma + 1;
+            }
+        }
+        // Most lines start with a byte that begins no keyword; they need no comparison at all.
+        endKeysMatchAll = false;
+        endKeyFirstBytes.fill(false);
+        for (const std::string& key : endKeys) {
+            if (key.empty()) {
+                endKeysMatchAll = true;
+                continue;
+            }
+            const unsigned char first = static_cast<unsigned char>(key[0]);
+            endKeyFirstBytes[first] = true;
+            endKeyFirstBytes[static_cast<unsigned char>(std::tolower(first))] = true;
+            endKeyFirstBytes[static_cast<unsigned char>(std::toupper(first))] = true;
+        }
+        endKeysValid = true;
+    }
+
+    // The separator set taken apart, kept while the same set comes in.
+    const SeparatorSet& useSeparators(const char* separators) {
+        if (!separatorsValid || std::strcmp(separatorSet.text.c_str(), separators) != 0) {
+            separatorSet.assign(separators);
+            separatorsValid = true;
+        }
+        return separatorSet;
+    }
+
+    std::unique_ptr<char[]> line;
+    // Every byte of `line` at or past this offset is zero, as far as the reader's own writes go.
+    size_t lineExtent = 0;
+    static constexpr size_t kCacheLine = 64;
+    static constexpr size_t kWordLines = (kWordSize + kCacheLine - 1) / kCacheLine;
+    static constexpr size_t kWordStride = (kWordLines % 2 == 1 ? kWordLines : kWordLines + 1) * kCacheLine;
+    std::unique_ptr<char[]> wordStorage;
+    std::vector<char*> wordPointers;
+    // Per slot: every byte at or past the mark is zero, as far as the reader's own writes go.
+    std::vector<uint16_t> wordExtent;
+    std::vector<std::unique_ptr<char[]>> fixedStorage;
+    std::vector<char*> fixedPointers;
+    std::unique_ptr<double[]> values;
+
+    std::string endKeysText;
+    std::vector<std::string> endKeys;
+    std::array<bool, 256> endKeyFirstBytes{};
+    bool endKeysMatchAll = false;
+    bool endKeysValid = false;
+
+    SeparatorSet separatorSet;
+    bool separatorsValid = false;
+
+    // Where the text of `line` ends: after a read, the first NUL fgets left; after a trim, the end
+    // of the trimmed text.
+    size_t lineLength = 0;
+    TokenBounds tokens;
+};
+
+DataLine::DataLine(FILE* stream_)
+    : flags(0),
+      wordCount(0),
+      column(0),
+      fixedCount(0),
+      line(nullptr),
+      words(nullptr),
+      fixedWords(nullptr),
+      values(nullptr),
+      stream(stream_),
+      m_Buffers(std::make_shared<Buffers>()) {
+    line = m_Buffers->line.get();
+    words = m_Buffers->wordPointers.data();
+    fixedWords = m_Buffers->fixedPointers.data();
+    values = m_Buffers->values.get();
+}
+
+DataLine::~DataLine() = default;
+
+DataLine::DataLine(const DataLine& other) { *this = other; }
+
+DataLine& DataLine::operator=(const DataLine& other) {
+    if (this == &other) return *this;
+    flags = other.flags;
+    wordCount = other.wordCount;
+    column = other.column;
+    fixedCount = other.fixedCount;
+    line = other.line;
+    words = other.words;
+    fixedWords = other.fixedWords;
+    values = other.values;
+    stream = other.stream;
+    m_Buffers = other.m_Buffers;
+    return *this;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Buffer bookkeeping. Clearing the whole 256 KiB line and 4 MiB of slots on every read would cost
+// far more than reading the file; these leave the same contents at the cost of what was written.
+
+void DataLine::clearLine() {
+    clearWritten(line, kLineSize, m_Buffers->lineExtent);
+    m_Buffers->lineExtent = 0;
+}
+
+void DataLine::clearWord(unsigned slot) {
+    clearWritten(words[slot], kWordSize, m_Buffers->wordExtent[slot]);
+    m_Buffers->wordExtent[slot] = 0;
+}
+
+void DataLine::noteWordWritten(unsigned slot, size_t extent) {
+    uint16_t& mark = m_Buffers->wordExtent[slot];
+    mark = static_cast<uint16_t>(std::max<size_t>(mark, std::min<size_t>(extent, kWordSize)));
+}
+
+void DataLine::copyIntoWord(unsigned slot, const char* text, size_t length) {
+    // A slot holds 2049 characters and its NUL; longer text is cut rather than run into the next slot.
+    length = std::min<size_t>(length, kWordSize - 1);
+    std::memcpy(words[slot], text, length);
+    words[slot][length] = '\0';
+    noteWordWritten(slot, length + 1);
+}
+
+
+bool DataLine::readLineIntoBuffer() {
+    if (stream == nullptr) return false;
+    // The reader is the only user of its stream while it reads, so the stream's lock buys nothing;
+    // taking it costs a sixth of the read itself.
+#if defined(__GLIBC__)
+    char* const got = fgets_unlocked(line, kLineSize, stream);
+#else
+    char* const got = std::fgets(line, kLineSize, stream);
+#endif
+    Buffers& buffers = *m_Buffers;
+    if (got == nullptr) {
+        // After a read error the buffer's contents are unknown.
+        if (std::ferror(stream)) buffers.lineExtent = kLineSize;
+        return false;
+    }
+    const size_t length = textLength(line);
+    buffers.lineLength = length;
+    const bool endsAtLineFeed = length > 0 && line[length - 1] == '\n';
+    const bool fillsBuffer = length == kLineSize - 1;
+    if (endsAtLineFeed || fillsBuffer) {
+        buffers.lineExtent = std::max(buffers.lineExtent, length + 1);
+    } else {
+        // A NUL byte inside the line (or a last line without its line feed) hides how far fgets
+        // wrote; the next clear then takes the whole buffer.
+        buffers.lineExtent = kLineSize;
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// End keywords.
+
+bool DataLine::IsEndOfKeyWord(const std::vector<std::string>& endKeys, const char* text) {
+    // End keywords are prefixes, compared without case: "TABLE" also ends a section at "TABLES :".
+    for (const std::string& key : endKeys) {
+        if (strncasecmp(text, key.c_str(), key.size()) == 0) return true;
+    }
+    return false;
+}
+
+bool DataLine::atEndKeyword(const char* endKeywords) {
+    if (endKeywords == nullptr) return false;
+    Buffers& buffers = *m_Buffers;
+    buffers.useEndKeywords(endKeywords);
+    if (buffers.endKeysMatchAll) return true;
+    if (!buffers.endKeyFirstBytes[static_cast<unsigned char>(line[0])]) return false;
+    return IsEndOfKeyWord(buffers.endKeys, line);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Flags.
+
+void DataLine::setFlag(unsigned bit) {
+    if (bit < 32) flags |= (1u << bit);
+}
+
+void DataLine::clearFlag(unsigned bit) {
+    if (bit < 32) flags &= ~(1u << bit);
+}
+
+bool DataLine::isFlagOn(unsigned bit) { return bit < 32 && (flags & (1u << bit)) != 0; }
+
+void DataLine::clearAll() { flags = 0; }
+
+char** DataLine::getWordArray() { return words; }
+
+// ---------------------------------------------------------------------------------------------
+// Common steps of the reads.
+
+bool DataLine::readNonBlankTrimmedLine() {
+    while (readLineIntoBuffer()) {
+        if (trimText(line, m_Buffers->lineLength)) return true;
+    }
+    return false;
+}
+
+unsigned DataLine::storeTokensOfLine(const char* separators) {
+    // The cut of strtok: a run of separators counts as one, leading separators are skipped, and the
+    // first separator behind each token becomes a NUL in `line`. Follows a trim, so the length is
+    // known and under 8192.
+    Buffers& buffers = *m_Buffers;
+    const size_t length = buffers.lineLength;
+    const SeparatorSet& set = buffers.useSeparators(separators);
+    TokenBounds& tokens = buffers.tokens;
+    switch (set.count) {
+        case 1: tokens.find<1>(line, length, set); break;
+        case 2: tokens.find<2>(line, length, set); break;
+        case 3:
+        case 4: tokens.find<4>(line, length, set); break;
+        default: tokens.find<0>(line, length, set); break;
+    }
+    // Held in locals: every byte written through a char pointer could otherwise change them.
+    char* const text = line;
+    char* const* const slots = words;
+    uint16_t* const marks = buffers.wordExtent.data();
+    const uint16_t* const starts = tokens.starts;
+    const uint16_t* const ends = tokens.ends;
+    const bool oddBytes = tokens.oddBytes;
+    // Words past the last slot are not stored.
+    const unsigned stored = std::min<unsigned>(tokens.count, kWordSlots);
+    for (unsigned index = 0; index < stored; ++index) {
+        const size_t start = starts[index];
+        const size_t end = ends[index];
+        const size_t size = end - start;
+        char* const word = slots[index];
+        // The usual word is short and lands in a slot that held a short word, with nothing written
+        // behind it: one 16-byte store then leaves the slot as a clear and a copy would.
+        if (size < 16 && marks[index] <= 16 && Block16::load(word + 16).allZero()) {
+            storeSmallToken(word, text + start, size);
+            marks[index] = static_cast<uint16_t>(size + 1);
+            if (oddBytes && (!isGraphic(text[start]) || !isGraphic(text[end - 1]))) {
+                Generic::RemoveLeadingAndTrailingBlanks(word);
+            }
+        } else {
+            storeToken(word, marks[index], text + start, size);
+        }
+        // The token is copied before its NUL goes in: the copy reads whole blocks, and a block read
+        // across a byte just written waits for that write. At the end of the text this rewrites the NUL.
+        text[end] = '\0';
+    }
+    if (tokens.count > stored) {
+        // strtok has found one token more than there are slots, and closed it.
+        text[ends[stored]] = '\0';
+    } else {
+        // Leave strtok's hidden position where a strtok loop over `line` would have left it.
+        std::strtok(line + length, separators);
+    }
+    return stored;
+}
+
+void DataLine::copyStrideIntoWord(unsigned slot, const char* text, size_t readable, unsigned index) {
+    clearWord(slot);
+    const size_t offset = static_cast<size_t>(index) * kDoublesStride;
+    if (offset >= readable) return;  // beyond the text every byte reads as zero
+    const size_t length = std::min<size_t>(kDoublesStride, readable - offset);
+    std::memcpy(words[slot], text + offset, length);
+    noteWordWritten(slot, length + 1);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The reads.
+
+char* DataLine::readNextCard() {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) return line;
+    flags = 0;
+    while (readLineIntoBuffer()) {
+        Generic::RemoveLeadingAndTrailingBlanks(line);
+        if (line[0] == '\0') continue;
+        if (line[0] == '$') {
+            clearLine();
+            continue;
+        }
+        if (line[0] == '*') {
+            setFlag(kEndFlagBit);
+            break;
+        }
+        copyIntoWord(0, line, std::strlen(line));
+        break;
+    }
+    return line;
+}
+
+char* DataLine::readNextCard(unsigned& n, const char* endKeyword) {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) {
+        n = 0;
+        return line;
+    }
+    flags = 0;
+    readNonBlankTrimmedLine();
+    // Whole line, exact and case-sensitive, unlike the keyword lists of the other reads.
+    if (endKeyword != nullptr && std::strcmp(line, endKeyword) == 0) {
+        n = 0;
+        setFlag(kEndFlagBit);
+    }
+    if (line[0] == '\0') n = 0;
+    return line;
+}
+
+char** DataLine::readNextCardAsWords(unsigned& n, const char* separators, const char* endKeywords) {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) {
+        n = 0;
+        return nullptr;
+    }
+    if (separators == nullptr) separators = kDefaultSeparators;
+    flags = 0;
+    if (readNonBlankTrimmedLine()) {
+        if (atEndKeyword(endKeywords)) {
+            // The end line stays in `line` for a caller that wants to look at it.
+            n = 0;
+            setFlag(kEndFlagBit);
+        } else {
+            wordCount = 0;
+            if (n < 2) {
+                // One wanted word is the whole line; the slot keeps whatever lies behind the NUL.
+                copyIntoWord(0, line, m_Buffers->lineLength);
+                wordCount = 1;
+            } else {
+                wordCount = storeTokensOfLine(separators);
+                n = wordCount;
+            }
+        }
+    }
+    // At end of file this is what tells the caller to stop; the end flag stays clear.
+    if (line[0] == '\0') n = 0;
+    return words;
+}
+
+double* DataLine::readNextCardAsDoubles(unsigned& n) {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) {
+        n = 0;
+        return values;
+    }
+    flags = 0;
+    // No trimming here: the marks count only in the first column.
+    while (!isFlagOn(kLineTakenBit) && readLineIntoBuffer()) {
+        if (line[0] == '$') {
+            clearLine();
+            continue;
+        }
+        if (line[0] == '*') {
+            n = 0;
+            setFlag(kEndFlagBit);
+            break;
+        }
+        setFlag(kLineTakenBit);
+        unsigned count = 0;
+        if (std::strchr(line, ',') != nullptr) {
+            for (char* token = std::strtok(line, ","); token != nullptr && count < kValueCount;
+                 token = std::strtok(nullptr, ",")) {
+                values[count++] = std::atof(token);
+            }
+        } else {
+            // The stride is that of a word slot, so in effect a line without commas yields one number
+            // from its first 2048 columns. The line buffer holds no more than 128 such runs.
+            const unsigned fields = std::min(n, kLineSize / kDoublesStride);
+            for (unsigned field = 0; field < fields; ++field) {
+                copyStrideIntoWord(field, line, kLineSize, field);
+                const char* word = words[field];
+                if (word[0] != '\0' && word[0] != '\n') values[count++] = std::atof(word);
+            }
+        }
+        n = count;
+    }
+    clearFlag(kLineTakenBit);
+    if (line[0] == '\0') n = 0;
+    return values;
+}
+
+char** DataLine::readRawData(unsigned& n, const char* endKeywords) {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) {
+        n = 0;
+        return nullptr;
+    }
+    flags = 0;
+    wordCount = 0;
+    // End of file leaves n as it was; only the null result tells.
+    if (!readLineIntoBuffer()) return nullptr;
+    // Comment text keeps its leading blanks and line end; only the end test looks at the trimmed line.
+    clearWord(0);
+    copyIntoWord(0, line, std::strlen(line));
+    Generic::RemoveLeadingAndTrailingBlanks(line);
+    if (atEndKeyword(endKeywords)) {
+        setFlag(kEndFlagBit);
+        words[0][0] = '\0';
+        n = 0;
+        return nullptr;
+    }
+    n = 1;
+    return words;
+}
+
+void DataLine::readToEnd(std::string& out, const char* endKeywords) {
+    clearLine();
+    if (isFlagOn(kEndFlagBit)) return;
+    flags = 0;
+    wordCount = 0;
+    while (readLineIntoBuffer()) {
+        clearWord(0);
+        copyIntoWord(0, line, std::strlen(line));
+        Generic::RemoveLeadingAndTrailingBlanks(line);
+        if (atEndKeyword(endKeywords)) {
+            setFlag(kEndFlagBit);
+            words[0][0] = '\0';
+            return;
+        }
+        out += words[0];
+    }
+}
+
+char** DataLine::splitIntoWords(unsigned& wordIndex, const char* separators, unsigned& n, bool all) {
+    if (n == 0) {
+        setFlag(kEndFlagBit);
+        return nullptr;
+    }
+    // An emptied source is how section readers end a section after a single card.
+    if (wordIndex >= kWordSlots || words[wordIndex][0] == '\0') {
+        n = 0;
+        setFlag(kEndFlagBit);
+        return nullptr;
+    }
+    if (separators == nullptr) separators = kDefaultSeparators;
+    const unsigned wanted = n;
+
+    // The source is usually word 0 and is overwritten by the first word, so work on copies: one to
+    // cut, one to take the rest of the line from.
+    char cut[Generic::kTrimLimit];
+    char whole[Generic::kTrimLimit];
+    const size_t length = strnlen(words[wordIndex], kWordSize);
+    std::memcpy(cut, words[wordIndex], length);
+    cut[length] = '\0';
+    std::memcpy(whole, cut, length + 1);
+
+    wordCount = 0;
+    size_t position = 0;
+    char* token = std::strtok(cut, separators);
+    while (token != nullptr) {
+        const size_t tokenLength = std::strlen(token);
+        clearWord(wordCount);
+        copyIntoWord(wordCount, token, tokenLength);
+        Generic::RemoveLeadingAndTrailingBlanks(words[wordCount]);
+        ++wordCount;
+        char* next = std::strtok(nullptr, separators);
+        // One separator is counted per token, whatever stood in the text; the rest of the line below
+        // therefore starts early by one for every extra separator before it.
+        position += tokenLength + 1;
+        if (next == nullptr || position >= length || wordCount == kWordSlots) {
+            if (wordCount < kWordSlots) words[wordCount][0] = '\0';
+            wordIndex = wordCount;
+            break;
+        }
+        if (all || wordCount < wanted) {
+            token = next;
+            continue;
+        }
+        // The wanted count is reached and text remains: the last word takes the rest, blanks and all.
+        const size_t restStart = position - tokenLength - 1;
+        copyIntoWord(wordCount - 1, whole + restStart, length - restStart);
+        wordIndex = wordCount - 1;
+        break;
+    }
+    for (unsigned slot = wordCount; slot < wanted && slot < kWordSlots; ++slot) words[slot][0] = '\0';
+    n = wordCount;
+    return words;
+}
+
+char** DataLine::splitIntoWords(unsigned& n, const unsigned* widths) {
+    wordCount = 0;
+    column = 0;
+    fixedCount = 0;
+    const unsigned fields = widths == nullptr ? 0 : std::min(n, kFixedSlots);
+    for (unsigned field = 0; field < fields; ++field) {
+        // A width over 20 cannot be a field of a fixed-column card; the split stops there.
+        if (widths[field] > kMaxFixedWidth) break;
+        std::memset(fixedWords[field], 0, kFixedSize);
+        std::memcpy(fixedWords[field], line + column, widths[field]);
+        column += widths[field];
+        ++fixedCount;
+    }
+    n = fixedCount;
+    return fixedWords;
+}
+
+double* DataLine::convertToDoubles(const char* text, unsigned& n) {
+    if (text == nullptr) text = "";
+    // Inside `line` the runs may reach past the text, where the cleared buffer reads as zero; any
+    // other text is read no further than its NUL.
+    const std::less<const char*> before;
+    const bool inLine = !before(text, line) && before(text, line + kLineSize);
+    const size_t readable = inLine ? static_cast<size_t>(line + kLineSize - text) : std::strlen(text) + 1;
+    const unsigned fields = std::min(n, kValueCount);
+    for (unsigned field = 0; field < fields; ++field) {
+        copyStrideIntoWord(field, text, readable, field);
+        values[field] = std::atof(words[field]);
+    }
+    return values;
+}

@@ -149,20 +149,18 @@ public:
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(low, del)));
     }
     bool allZero() const { return zeros() == 0xFFFF; }
+    // Stores the first `count` bytes (under 16) of the block at `target`, and zeros up to 16 bytes.
+    void storeFirst(char* target, size_t count) const {
+        alignas(16) static const unsigned char kKeep[32] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff,
+                                                            0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff};
+        const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - count));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_and_si128(m_Bytes, keep));
+    }
 
 private:
     explicit Block16(__m128i bytes) : m_Bytes(bytes) {}
     __m128i m_Bytes;
 };
-
-// Copies a token of under 16 bytes into the first 16 bytes of `word`, zeros behind it.
-inline void storeSmallToken(char* word, const char* token, size_t length) {
-    alignas(16) static const unsigned char kKeep[32] = {
-        0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff};
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(token));
-    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - length));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(word), _mm_and_si128(bytes, keep));
-}
 
 #else
 
@@ -189,22 +187,15 @@ public:
         return bits;
     }
     bool allZero() const { return zeros() == 0xFFFF; }
+    void storeFirst(char* target, size_t count) const {
+        unsigned char bytes[16] = {};
+        std::memcpy(bytes, m_Bytes, count);
+        std::memcpy(target, bytes, sizeof bytes);
+    }
 
 private:
     unsigned char m_Bytes[16];
 };
-
-inline void storeSmallToken(char* word, const char* token, size_t length) {
-    uint64_t chunks[2];
-    std::memcpy(chunks, token, sizeof chunks);
-    if (length < 8) {
-        chunks[0] &= keepFirstBytes(length);
-        chunks[1] = 0;
-    } else {
-        chunks[1] &= keepFirstBytes(length - 8);
-    }
-    std::memcpy(word, chunks, sizeof chunks);
-}
 
 #endif
 
@@ -293,72 +284,129 @@ private:
     const uint8_t* m_Table;
 };
 
-// Where the tokens of a line start and end, as strtok would find them.
-struct TokenBounds {
-    // A line the trim lets through is under 8192 bytes, so it holds at most 4096 tokens.
-    static constexpr size_t kMaxTokens = Generic::kTrimLimit / 2;
+// Where the tokens of a line start, as strtok would find them, and whether any of them may need a
+// trim of its own.
+struct TokenStarts {
     static constexpr size_t kMaxBlocks = Generic::kTrimLimit / 16 + 4;
 
-    uint16_t starts[kMaxTokens];
-    // The first separator behind each token, or the length of the text.
-    uint16_t ends[kMaxTokens];
-    // One bit per byte, set at separators and from the end of the text on; four blocks make a chunk.
-    uint16_t separatorBits[kMaxBlocks];
-    unsigned count = 0;
-    // Some byte of a token is one the trim would take away (a tab, a return, a byte from 128 up),
-    // so tokens need a look at their ends.
+    // One bit per byte of the text, set where a token starts; whole chunks of four blocks.
+    uint16_t bits[kMaxBlocks];
+    size_t chunks = 0;
+    // Some byte that is not a separator is one the trim would take away (a tab, a return, a byte
+    // from 128 up), so a token may start or end with it.
     bool oddBytes = false;
 
-    // Finds the tokens of `text` (`length` under 8192, readable 64 bytes further).
-    template <unsigned Count>
-    void find(const char* text, size_t length, const SeparatorSet& set) {
-        const SeparatorMatcher<Count> isSeparator(set);
+    // `text` holds `length` bytes (under 8192), readable 64 bytes further.
+    template <typename Matcher>
+    void find(const char* text, size_t length, const Matcher& isSeparator) {
         const size_t fullBlocks = length / 16;
+        unsigned behind = 1;  // the start of the text counts as behind a separator
         unsigned odd = 0;
-        for (size_t b = 0; b < fullBlocks; ++b) {
+        for (size_t b = 0; b <= fullBlocks; ++b) {
             const char* bytes = text + 16 * b;
             const Block16 block = Block16::load(bytes);
-            const unsigned separators = isSeparator(block, bytes);
-            separatorBits[b] = static_cast<uint16_t>(separators);
-            odd |= block.blanks() & ~separators;
-        }
-        // The block that holds the end of the text: from the end on, every byte counts as a
-        // separator, so that every token ends.
-        {
-            const char* bytes = text + 16 * fullBlocks;
-            const Block16 block = Block16::load(bytes);
-            const unsigned inside = (1u << (length % 16)) - 1;
-            const unsigned separators = isSeparator(block, bytes) | ~inside;
-            separatorBits[fullBlocks] = static_cast<uint16_t>(separators);
+            unsigned separators = isSeparator(block, bytes);
+            // From the end of the text on, every byte counts as a separator.
+            if (b == fullBlocks) separators |= 0xFFFFu << (length % 16);
+            bits[b] = static_cast<uint16_t>(~separators & ((separators << 1) | behind));
+            behind = (separators >> 15) & 1;
             odd |= block.blanks() & ~separators;
         }
         size_t blocks = fullBlocks + 1;
-        while (blocks % 4 != 0) separatorBits[blocks++] = 0xFFFF;
+        while (blocks % 4 != 0) bits[blocks++] = 0;
+        chunks = blocks / 4;
         oddBytes = odd != 0;
+    }
 
-        unsigned found = 0;
-        unsigned ended = 0;
-        uint64_t carry = 1;  // the start of the text counts as behind a separator
-        for (size_t chunk = 0; chunk < blocks / 4; ++chunk) {
-            uint64_t marks;
-            std::memcpy(&marks, separatorBits + 4 * chunk, sizeof marks);
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-            marks = static_cast<uint64_t>(separatorBits[4 * chunk]) | uint64_t{separatorBits[4 * chunk + 1]} << 16 |
-                    uint64_t{separatorBits[4 * chunk + 2]} << 32 | uint64_t{separatorBits[4 * chunk + 3]} << 48;
-#endif
-            const uint64_t behindSeparator = (marks << 1) | carry;
-            carry = marks >> 63;
-            const unsigned base = static_cast<unsigned>(64 * chunk);
-            for (uint64_t bits = ~marks & behindSeparator; bits != 0; bits &= bits - 1) {
-                starts[found++] = static_cast<uint16_t>(base + lowestBit(bits));
-            }
-            for (uint64_t bits = marks & ~behindSeparator; bits != 0; bits &= bits - 1) {
-                ends[ended++] = static_cast<uint16_t>(base + lowestBit(bits));
-            }
-        }
-        count = found;
+    uint64_t chunk(size_t index) const {
+        const uint16_t* four = bits + 4 * index;
+        return uint64_t{four[0]} | uint64_t{four[1]} << 16 | uint64_t{four[2]} << 32 | uint64_t{four[3]} << 48;
     }
 };
+
+// Length of the token at `token`: up to the first separator or NUL. `stops` holds those of its
+// first 16 bytes.
+template <typename Matcher>
+inline size_t tokenLength(const char* token, unsigned stops, const Matcher& isSeparator) {
+    size_t at = 0;
+    while (stops == 0) {
+        at += 16;
+        const Block16 block = Block16::load(token + at);
+        stops = isSeparator(block, token + at) | block.zeros();
+    }
+    return at + lowestBit(stops);
+}
+
+// Stores a token that does not fit the quick way: 16 bytes or longer, or bound for a slot that
+// held a longer word or text behind the reader's back. Answers the token's length.
+template <typename Matcher>
+__attribute__((noinline)) size_t storeLongToken(char* word, uint16_t& mark, const char* token, unsigned stops,
+                                                const Matcher& isSeparator) {
+    const size_t size = tokenLength(token, stops, isSeparator);
+    storeToken(word, mark, token, size);
+    return size;
+}
+
+// Stores every token of `text`, in order, into the slots from 0 on, and closes each in `text` with
+// a NUL. Answers the number stored. With `Bounded`, stops at a token that finds no slot and says so
+// in `complete`; with `OddBytes`, looks at the ends of each token for bytes the trim takes away.
+// Kept out of line so that the loop has the registers to itself.
+template <bool Bounded, bool OddBytes, typename Matcher>
+__attribute__((noinline)) unsigned cutTokens(char* text, const TokenStarts& starts, const Matcher isSeparator,
+                                             char* const* slots, uint16_t* marks, bool& complete) {
+    complete = true;
+    unsigned index = 0;
+    const size_t chunks = starts.chunks;
+    for (size_t chunk = 0; chunk < chunks; ++chunk) {
+        char* const base = text + 64 * chunk;
+        for (uint64_t bits = starts.chunk(chunk); bits != 0; bits &= bits - 1) {
+            char* const token = base + lowestBit(bits);
+            const Block16 head = Block16::load(token);
+            // Bit 16 stands for "further on": a token of 16 bytes or more reads as 16 here.
+            const unsigned stops = isSeparator(head, token) | head.zeros() | 0x10000u;
+            if (Bounded && index == DataLine::kWordSlots) {
+                // strtok has found one token more than there are slots, and closed it.
+                token[tokenLength(token, stops & 0xFFFFu, isSeparator)] = '\0';
+                complete = false;
+                return index;
+            }
+            char* const word = slots[index];
+            uint16_t& mark = marks[index];
+            size_t size = lowestBit(stops);
+            // The usual token is short and lands in a slot that held a short word, with nothing
+            // written behind it: one 16-byte store leaves the slot as a clear and a copy would.
+            const bool quick = (size < 16) & (mark <= 16);
+            if (__builtin_expect(quick && Block16::load(word + 16).allZero(), 1)) {
+                head.storeFirst(word, size);
+                mark = static_cast<uint16_t>(size + 1);
+                if (OddBytes && (!isGraphic(token[0]) || !isGraphic(token[size - 1]))) {
+                    Generic::RemoveLeadingAndTrailingBlanks(word);
+                }
+            } else {
+                size = storeLongToken(word, mark, token, stops & 0xFFFFu, isSeparator);
+            }
+            // The token is copied before its NUL goes in: a block read across a byte just written
+            // waits for that write. At the end of the text this rewrites the NUL that is there.
+            token[size] = '\0';
+            ++index;
+        }
+    }
+    return index;
+}
+
+// Finds and stores the tokens of a trimmed line of `length` bytes.
+template <typename Matcher>
+unsigned cutLine(char* text, size_t length, TokenStarts& starts, const Matcher& isSeparator, char* const* slots,
+                 uint16_t* marks, bool& complete) {
+    starts.find(text, length, isSeparator);
+    // A token and its separator take two bytes, so only a line longer than twice the slots can
+    // hold more tokens than there are slots.
+    if (length > 2 * DataLine::kWordSlots) {
+        return cutTokens<true, true>(text, starts, isSeparator, slots, marks, complete);
+    }
+    if (starts.oddBytes) return cutTokens<false, true>(text, starts, isSeparator, slots, marks, complete);
+    return cutTokens<false, false>(text, starts, isSeparator, slots, marks, complete);
+}
 
 }  // namespace
 
@@ -461,7 +509,7 @@ struct DataLine::Buffers {
     // Where the text of `line` ends: after a read, the first NUL fgets left; after a trim, the end
     // of the trimmed text.
     size_t lineLength = 0;
-    TokenBounds tokens;
+    TokenStarts tokenStarts;
 };
 
 DataLine::DataLine(FILE* stream_)
@@ -611,50 +659,20 @@ unsigned DataLine::storeTokensOfLine(const char* separators) {
     Buffers& buffers = *m_Buffers;
     const size_t length = buffers.lineLength;
     const SeparatorSet& set = buffers.useSeparators(separators);
-    TokenBounds& tokens = buffers.tokens;
-    switch (set.count) {
-        case 1: tokens.find<1>(line, length, set); break;
-        case 2: tokens.find<2>(line, length, set); break;
-        case 3:
-        case 4: tokens.find<4>(line, length, set); break;
-        default: tokens.find<0>(line, length, set); break;
-    }
-    // Held in locals: every byte written through a char pointer could otherwise change them.
-    char* const text = line;
-    char* const* const slots = words;
+    TokenStarts& starts = buffers.tokenStarts;
     uint16_t* const marks = buffers.wordExtent.data();
-    const uint16_t* const starts = tokens.starts;
-    const uint16_t* const ends = tokens.ends;
-    const bool oddBytes = tokens.oddBytes;
-    // Words past the last slot are not stored.
-    const unsigned stored = std::min<unsigned>(tokens.count, kWordSlots);
-    for (unsigned index = 0; index < stored; ++index) {
-        const size_t start = starts[index];
-        const size_t end = ends[index];
-        const size_t size = end - start;
-        char* const word = slots[index];
-        // The usual word is short and lands in a slot that held a short word, with nothing written
-        // behind it: one 16-byte store then leaves the slot as a clear and a copy would.
-        if (size < 16 && marks[index] <= 16 && Block16::load(word + 16).allZero()) {
-            storeSmallToken(word, text + start, size);
-            marks[index] = static_cast<uint16_t>(size + 1);
-            if (oddBytes && (!isGraphic(text[start]) || !isGraphic(text[end - 1]))) {
-                Generic::RemoveLeadingAndTrailingBlanks(word);
-            }
-        } else {
-            storeToken(word, marks[index], text + start, size);
-        }
-        // The token is copied before its NUL goes in: the copy reads whole blocks, and a block read
-        // across a byte just written waits for that write. At the end of the text this rewrites the NUL.
-        text[end] = '\0';
+    unsigned stored = 0;
+    bool complete = true;
+    switch (set.count) {
+        case 1: stored = cutLine(line, length, starts, SeparatorMatcher<1>(set), words, marks, complete); break;
+        case 2: stored = cutLine(line, length, starts, SeparatorMatcher<2>(set), words, marks, complete); break;
+        case 3:
+        case 4: stored = cutLine(line, length, starts, SeparatorMatcher<4>(set), words, marks, complete); break;
+        default: stored = cutLine(line, length, starts, SeparatorMatcher<0>(set), words, marks, complete); break;
     }
-    if (tokens.count > stored) {
-        // strtok has found one token more than there are slots, and closed it.
-        text[ends[stored]] = '\0';
-    } else {
-        // Leave strtok's hidden position where a strtok loop over `line` would have left it.
-        std::strtok(line + length, separators);
-    }
+    // Leave strtok's hidden position where a strtok loop over `line` would have left it; a loop
+    // that stopped at the last slot leaves it behind that token, as it stands already.
+    if (complete) std::strtok(line + length, separators);
     return stored;
 }
 

@@ -995,6 +995,9 @@ struct SplitCase {
     unsigned expectedIndex;
 };
 
+// Keeps the test names stable and readable: a case is named by its wanted count.
+void PrintTo(const SplitCase& c, std::ostream* os) { *os << "wanted_" << c.wanted << (c.all ? "_all" : ""); }
+
 class SplitWithSeparatorSets : public testing::TestWithParam<SplitCase> {};
 
 TEST_P(SplitWithSeparatorSets, CutsAsTheSectionExpects) {

@@ -93,8 +93,6 @@ class DescriptiveImportTest : public testing::Test {
     std::remove(database.c_str());
     delete m_Driver;
     m_Driver = new CardsetImport(CorpusPath(name).c_str(), database.c_str());
-    // Readers the dispatch table doesn't carry yet are added for this driver only.
-    for (const Reader& reader : kDescriptiveReaders) m_Driver->m_ImportFunctions.emplace(reader.type, reader.entry);
     void* document = nullptr;
     std::string message;
     EXPECT_GT(m_Driver->ImportMaterialList(&document, message, false), 1) << name;

@@ -151,6 +151,58 @@ bool FindLookalike(const std::string& line, std::string& message) {
     return false;
 }
 
+// Whether the locator records a trimmed piece: a material header, or a key of its pair table.
+bool IsLocated(const std::string& trimmed) {
+    return !trimmed.empty() && (IsMaterialHeader(trimmed) || KeywordPairTable.count(trimmed) != 0);
+}
+
+// The longest text, after trimming, that the section readers meet in one line of the file (`full`,
+// with its line feed). They read it from its start in pieces of kReaderPiece bytes; but the driver
+// also seeks to every offset the locator recorded, and inside a line longer than the locator's
+// buffer that is the start of a 1023-byte piece, or later in it when a NUL byte shortens what the
+// locator measured. From such an offset the readers' pieces fall elsewhere, and behind a NUL byte
+// they see text that a read from the line's start never reaches.
+std::size_t LongestReaderPiece(const std::string& full) {
+    const std::size_t size = full.size();
+    const bool hasNul = full.find('\0') != std::string::npos;
+    if (size <= kReaderPiece && !hasNul) {
+        // A read from inside the line sees a part of what a read from its start sees.
+        return Trim(full).size();
+    }
+
+    std::vector<std::size_t> starts{0};
+    for (std::size_t piece = 0; piece < size; piece += kLocatorPiece) {
+        const std::string raw = full.substr(piece, kLocatorPiece);
+        if (!IsLocated(Trim(raw))) continue;
+        // The locator's offset is the end of the piece less the length that strlen gives it.
+        const std::size_t offset = piece + raw.size() - std::strlen(raw.c_str());
+        if (offset != 0) starts.push_back(offset);
+    }
+
+    // The trimmed length of the C string at `from` cut at `to`, in constant time per piece.
+    std::vector<std::size_t> nextNul(size + 1, size);
+    std::vector<std::size_t> nextGraphic(size + 1, size);
+    std::vector<std::size_t> graphicsBefore(size + 1, 0);  // index + 1 of the last graphic byte before
+    for (std::size_t i = size; i-- > 0;) {
+        nextNul[i] = full[i] == '\0' ? i : nextNul[i + 1];
+        nextGraphic[i] = IsGraphic(full[i]) ? i : nextGraphic[i + 1];
+    }
+    for (std::size_t i = 0; i < size; ++i) graphicsBefore[i + 1] = IsGraphic(full[i]) ? i + 1 : graphicsBefore[i];
+    auto trimmedLength = [&](std::size_t from, std::size_t to) -> std::size_t {
+        const std::size_t end = std::min(to, nextNul[from]);
+        const std::size_t first = nextGraphic[from];
+        if (first >= end) return 0;
+        return graphicsBefore[end] - first;
+    };
+
+    std::size_t longest = 0;
+    for (const std::size_t start : starts) {
+        for (std::size_t from = start; from < size; from += kReaderPiece)
+            longest = std::max(longest, trimmedLength(from, std::min(size, from + kReaderPiece)));
+    }
+    return longest;
+}
+
 // A line that the locator records, with the line of the file it came from.
 struct Located {
     std::string text;
@@ -214,9 +266,7 @@ private:
 
     void CheckLength(const std::string& raw, bool endsWithLineFeed, unsigned long number) {
         const std::string full = endsWithLineFeed ? raw + '\n' : raw;
-        std::size_t longest = 0;
-        for (std::size_t start = 0; start < full.size(); start += kReaderPiece)
-            longest = std::max(longest, Trim(full.substr(start, kReaderPiece)).size());
+        const std::size_t longest = LongestReaderPiece(full);
         if (longest > kLongestLine)
             Add(number, FindingKind::kOverlongLine,
                 "line of " + std::to_string(longest) +

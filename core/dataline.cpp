@@ -120,7 +120,7 @@ inline void storeToken(char* word, uint16_t& mark, const char* token, size_t len
 
 // Bytes of padding behind the line buffer, so that a scan may read whole blocks past the end of
 // the text without leaving the allocation. Nothing is ever written there.
-constexpr size_t kLinePadding = 64;
+constexpr size_t kLinePadding = 128;
 
 // The most separators that are compared byte for byte; larger sets go through a table.
 constexpr unsigned kFewSeparators = 4;
@@ -149,6 +149,8 @@ public:
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(low, del)));
     }
     bool allZero() const { return zeros() == 0xFFFF; }
+    void store(char* target) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(target), m_Bytes); }
+    static void zero(char* target) { _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_setzero_si128()); }
     // Stores the first `count` bytes (under 16) of the block at `target`, and zeros up to 16 bytes.
     void storeFirst(char* target, size_t count) const {
         alignas(16) static const unsigned char kKeep[32] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff,
@@ -187,6 +189,8 @@ public:
         return bits;
     }
     bool allZero() const { return zeros() == 0xFFFF; }
+    void store(char* target) const { std::memcpy(target, m_Bytes, sizeof m_Bytes); }
+    static void zero(char* target) { std::memset(target, 0, 16); }
     void storeFirst(char* target, size_t count) const {
         unsigned char bytes[16] = {};
         std::memcpy(bytes, m_Bytes, count);
@@ -199,20 +203,25 @@ private:
 
 #endif
 
-inline unsigned lowestBit(uint64_t bits) { return static_cast<unsigned>(__builtin_ctzll(bits)); }
+inline size_t lowestBit(uint64_t bits) { return static_cast<size_t>(__builtin_ctzll(bits)); }
 
-// Position of the first NUL at or after `text`. Reads whole 32-byte steps, so the buffer must be
-// readable that far past the NUL, as the padded line buffer is.
+// Position of the first NUL at or after `text`. Reads whole 64-byte steps, so the buffer must be
+// readable that far past the NUL, as the padded line buffer is. Steps that large take most lines in
+// one or two, which keeps the end of the loop easy to foresee.
 inline size_t textLength(const char* text) {
-    for (size_t at = 0;; at += 32) {
-        const unsigned zeros = Block16::load(text + at).zeros() | (Block16::load(text + at + 16).zeros() << 16);
+    for (size_t at = 0;; at += 64) {
+        const uint64_t zeros = uint64_t{Block16::load(text + at).zeros()} |
+                               uint64_t{Block16::load(text + at + 16).zeros()} << 16 |
+                               uint64_t{Block16::load(text + at + 32).zeros()} << 32 |
+                               uint64_t{Block16::load(text + at + 48).zeros()} << 48;
         if (zeros != 0) return at + lowestBit(zeros);
     }
 }
 
-// The trim of Generic::RemoveLeadingAndTrailingBlanks on a text whose length is known, with the same
-// result; `length` becomes the trimmed length. False when nothing is left.
-inline bool trimText(char* text, size_t& length) {
+// The trim of Generic::RemoveLeadingAndTrailingBlanks on a text whose length is known, short of the
+// NUL behind the trimmed text, which the caller writes: `length` becomes the trimmed length. False
+// when nothing is left, and the text is then empty.
+inline bool trimTextLeavingEnd(char* text, size_t& length) {
     size_t first = 0;
     while (first < length && !isGraphic(text[first])) ++first;
     if (first == length) {
@@ -226,9 +235,102 @@ inline bool trimText(char* text, size_t& length) {
     // Too long a text ends the process there, with the helper's own message.
     if (kept >= Generic::kTrimLimit) Generic::RemoveLeadingAndTrailingBlanks(text);
     if (first != 0) std::memmove(text, text + first, kept);
-    text[kept] = '\0';
     length = kept;
     return true;
+}
+
+// The trim of Generic::RemoveLeadingAndTrailingBlanks on a text whose length is known, with the same
+// result; `length` becomes the trimmed length. False when nothing is left.
+inline bool trimText(char* text, size_t& length) {
+    if (!trimTextLeavingEnd(text, length)) return false;
+    text[length] = '\0';
+    return true;
+}
+
+// Copies `length` bytes and nothing more, in whole blocks where it can. (A library copy whose size
+// the compiler knows to be bounded is expanded into a string instruction that is slow to start.)
+inline void copyBytes(char* target, const char* source, size_t length) {
+    if (length >= 16) {
+        size_t at = 0;
+        for (; at + 16 < length; at += 16) Block16::load(source + at).store(target + at);
+        // The last block may overlap the one before; it writes the same bytes again.
+        Block16::load(source + length - 16).store(target + length - 16);
+    } else if (length >= 8) {
+        uint64_t head, tail;
+        std::memcpy(&head, source, 8);
+        std::memcpy(&tail, source + length - 8, 8);
+        std::memcpy(target, &head, 8);
+        std::memcpy(target + length - 8, &tail, 8);
+    } else {
+        for (size_t at = 0; at < length; ++at) target[at] = source[at];
+    }
+}
+
+// Zeroes a buffer as far as it may have been written (see writtenExtent) and resets its extent.
+// The usual line is short: then the first kQuickClear bytes are zeroed whatever the extent, with a
+// fixed run of stores, and the look past them stands in for the look past the extent, since a text
+// that ran past the extent and past those bytes shows there.
+constexpr size_t kQuickClear = 128;
+
+// Zeroes `count` bytes through the C library. Ahead of an fgets into the same bytes its wide stores
+// measured faster than the run of 16-byte stores the compiler makes of a memset of known size.
+__attribute__((noinline, noclone)) void zeroBytes(char* bytes, size_t count) { std::memset(bytes, 0, count); }
+
+inline void clearBuffer(char* buffer, size_t size, size_t& extent) {
+    if (extent <= kQuickClear && size >= kQuickClear + kLookAhead && allZero(buffer + kQuickClear, kLookAhead)) {
+        zeroBytes(buffer, kQuickClear);
+    } else {
+        clearWritten(buffer, size, extent);
+    }
+    extent = 0;
+}
+
+// fgets into `line` (of `size` bytes), noting how far the buffer was written and where the text
+// ends. False at end of file or on an error.
+inline bool readLine(FILE* stream, char* line, size_t size, size_t& extent, size_t& length) {
+    if (stream == nullptr) return false;
+    // The reader is the only user of its stream while it reads, so the stream's lock buys nothing;
+    // taking it costs a tenth of the read itself.
+#if defined(__GLIBC__)
+    char* const got = fgets_unlocked(line, static_cast<int>(size), stream);
+#else
+    char* const got = std::fgets(line, static_cast<int>(size), stream);
+#endif
+    if (got == nullptr) {
+        // After a read error the buffer's contents are unknown.
+        if (std::ferror(stream)) extent = size;
+        return false;
+    }
+    length = textLength(line);
+    const bool endsAtLineFeed = length > 0 && line[length - 1] == '\n';
+    const bool fillsBuffer = length == size - 1;
+    if (endsAtLineFeed || fillsBuffer) {
+        extent = std::max(extent, length + 1);
+    } else {
+        // A NUL byte inside the line (or a last line without its line feed) hides how far fgets
+        // wrote; the next clear then takes the whole buffer.
+        extent = size;
+    }
+    return true;
+}
+
+// Reads lines, trimming each, until one is not blank; `length` is then the trimmed length. Without
+// `closed`, the NUL behind the trimmed text is left for the caller to write.
+template <bool Closed = true>
+inline bool readNonBlankLine(FILE* stream, char* line, size_t size, size_t& extent, size_t& length) {
+    while (readLine(stream, line, size, extent, length)) {
+        if (Closed ? trimText(line, length) : trimTextLeavingEnd(line, length)) return true;
+    }
+    return false;
+}
+
+// True when the two texts are equal. Separator sets are a few bytes long: a plain loop is cheaper
+// than a call.
+inline bool sameText(const char* a, const char* b) {
+    for (; *a == *b; ++a, ++b) {
+        if (*a == '\0') return true;
+    }
+    return false;
 }
 
 // A separator set taken apart once for the cut: its distinct bytes where they are few, a table always.
@@ -280,132 +382,205 @@ public:
         return bits;
     }
 
+
 private:
     const uint8_t* m_Table;
 };
 
-// Where the tokens of a line start, as strtok would find them, and whether any of them may need a
-// trim of its own.
-struct TokenStarts {
+// Where the separators of a line stand, and whether any token may need a trim of its own.
+struct LineSeparators {
     static constexpr size_t kMaxBlocks = Generic::kTrimLimit / 16 + 4;
 
-    // One bit per byte of the text, set where a token starts; whole chunks of four blocks.
+    // One bit per byte of the text, set at separators and from the end of the text on; whole chunks
+    // of four blocks.
     uint16_t bits[kMaxBlocks];
     size_t chunks = 0;
     // Some byte that is not a separator is one the trim would take away (a tab, a return, a byte
     // from 128 up), so a token may start or end with it.
     bool oddBytes = false;
 
-    // `text` holds `length` bytes (under 8192), readable 64 bytes further.
+    // `text` holds `length` bytes (under 8192), readable 16 bytes further.
     template <typename Matcher>
     void find(const char* text, size_t length, const Matcher& isSeparator) {
         const size_t fullBlocks = length / 16;
-        unsigned behind = 1;  // the start of the text counts as behind a separator
         unsigned odd = 0;
-        for (size_t b = 0; b <= fullBlocks; ++b) {
+        for (size_t b = 0; b < fullBlocks; ++b) {
             const char* bytes = text + 16 * b;
             const Block16 block = Block16::load(bytes);
-            unsigned separators = isSeparator(block, bytes);
-            // From the end of the text on, every byte counts as a separator.
-            if (b == fullBlocks) separators |= 0xFFFFu << (length % 16);
-            bits[b] = static_cast<uint16_t>(~separators & ((separators << 1) | behind));
-            behind = (separators >> 15) & 1;
+            const unsigned separators = isSeparator(block, bytes);
+            bits[b] = static_cast<uint16_t>(separators);
             odd |= block.blanks() & ~separators;
         }
+        // The block that holds the end of the text; what the trim left behind it counts as separators.
+        const char* bytes = text + 16 * fullBlocks;
+        const Block16 block = Block16::load(bytes);
+        const unsigned separators = isSeparator(block, bytes) | (0xFFFFu << (length % 16));
+        bits[fullBlocks] = static_cast<uint16_t>(separators);
+        odd |= block.blanks() & ~separators;
         size_t blocks = fullBlocks + 1;
-        while (blocks % 4 != 0) bits[blocks++] = 0;
+        while (blocks % 4 != 0) bits[blocks++] = 0xFFFF;
         chunks = blocks / 4;
         oddBytes = odd != 0;
     }
 
+    // The bits of 64 bytes, byte 0 in bit 0.
     uint64_t chunk(size_t index) const {
         const uint16_t* four = bits + 4 * index;
         return uint64_t{four[0]} | uint64_t{four[1]} << 16 | uint64_t{four[2]} << 32 | uint64_t{four[3]} << 48;
     }
 };
 
-// Length of the token at `token`: up to the first separator or NUL. `stops` holds those of its
-// first 16 bytes.
+// Length of the token at `token`, which has `rest` bytes of text left, given the separators among
+// its first 16 bytes.
 template <typename Matcher>
-inline size_t tokenLength(const char* token, unsigned stops, const Matcher& isSeparator) {
+inline size_t tokenLength(const char* token, size_t rest, unsigned separators, const Matcher& isSeparator) {
     size_t at = 0;
-    while (stops == 0) {
+    while (separators == 0 && at + 16 < rest) {
         at += 16;
-        const Block16 block = Block16::load(token + at);
-        stops = isSeparator(block, token + at) | block.zeros();
+        separators = isSeparator(Block16::load(token + at), token + at);
     }
-    return at + lowestBit(stops);
+    return std::min(at + lowestBit(separators | 0x10000u), rest);
+}
+
+// True when the 16 bytes at `bytes` are all zero.
+inline bool zero16(const char* bytes) {
+    uint64_t halves[2];
+    std::memcpy(halves, bytes, sizeof halves);
+    return (halves[0] | halves[1]) == 0;
 }
 
 // Stores a token that does not fit the quick way: 16 bytes or longer, or bound for a slot that
 // held a longer word or text behind the reader's back. Answers the token's length.
 template <typename Matcher>
-__attribute__((noinline)) size_t storeLongToken(char* word, uint16_t& mark, const char* token, unsigned stops,
-                                                const Matcher& isSeparator) {
-    const size_t size = tokenLength(token, stops, isSeparator);
+__attribute__((noinline)) size_t storeLongToken(char* word, uint16_t& mark, const char* token, size_t rest,
+                                                unsigned separators, const Matcher& isSeparator) {
+    const size_t size = tokenLength(token, rest, separators, isSeparator);
     storeToken(word, mark, token, size);
     return size;
 }
 
-// Stores every token of `text`, in order, into the slots from 0 on, and closes each in `text` with
-// a NUL. Answers the number stored. With `Bounded`, stops at a token that finds no slot and says so
-// in `complete`; with `OddBytes`, looks at the ends of each token for bytes the trim takes away.
-// Kept out of line so that the loop has the registers to itself.
-template <bool Bounded, bool OddBytes, typename Matcher>
-__attribute__((noinline)) unsigned cutTokens(char* text, const TokenStarts& starts, const Matcher isSeparator,
-                                             char* const* slots, uint16_t* marks, bool& complete) {
-    complete = true;
-    unsigned index = 0;
-    const size_t chunks = starts.chunks;
-    for (size_t chunk = 0; chunk < chunks; ++chunk) {
+// A token that ends at a separator before the end of the text has no end to watch for.
+constexpr size_t kNoEnd = ~size_t{0};
+
+// Stores the token at `token` into `word`, as a clear of the slot, a copy and a trim would, and
+// closes the token in the text with a NUL. With `AtEnd`, the token may run to the end of the text,
+// `rest` bytes on, where the block read holds what the trim left behind. Answers its length.
+template <bool OddBytes, bool AtEnd, typename Matcher>
+inline size_t storeTokenOfLine(char* token, size_t rest, char* word, uint16_t& mark, const Matcher& isSeparator) {
+    const Block16 head = Block16::load(token);
+    const unsigned ahead = isSeparator(head, token);
+    // Bit 16 stands for a token of 16 bytes or more.
+    size_t size = lowestBit(ahead | 0x10000u);
+    if (AtEnd) size = std::min(size, rest);
+    // The usual token is short and lands in a slot that held a short word, with nothing written
+    // behind it: one 16-byte store leaves the slot as a clear and a copy would.
+    if (__builtin_expect((size < 16) & (mark <= 16), 1) && __builtin_expect(zero16(word + 16), 1)) {
+        head.storeFirst(word, size);
+        mark = static_cast<uint16_t>(size + 1);
+        if (OddBytes && (!isGraphic(token[0]) || !isGraphic(token[size - 1]))) {
+            Generic::RemoveLeadingAndTrailingBlanks(word);
+        }
+    } else {
+        size = storeLongToken(word, mark, token, rest, ahead, isSeparator);
+    }
+    // Tokens go in order, so a NUL lands only behind what has been read: a block read across a byte
+    // just written would wait until that write is done.
+    token[size] = '\0';
+    return size;
+}
+
+// Where tokens start in chunk `chunk`, given whether the chunk before ended at a separator.
+inline uint64_t tokenStartsOf(const LineSeparators& found, size_t chunk, uint64_t& behind) {
+    const uint64_t separators = found.chunk(chunk);
+    // A token starts at a byte that is no separator and stands behind one; the start of the text
+    // counts as behind a separator.
+    const uint64_t starts = ~separators & ((separators << 1) | behind);
+    behind = separators >> 63;
+    return starts;
+}
+
+// Stores every token of the text, in order, into the slots from 0 on, closes each in the text with
+// a NUL, and closes the text. Answers the number stored. With `OddBytes`, looks at the ends of each
+// token for bytes the trim takes away. The text holds fewer tokens than there are slots. Kept out of
+// line so that the loop has the registers to itself.
+template <bool OddBytes, typename Matcher>
+__attribute__((noinline)) unsigned cutTokens(char* text, size_t length, const LineSeparators& found,
+                                             const Matcher isSeparator, char* const* slots, uint16_t* marks) {
+    // Every token but the last ends at a separator inside the text; the last is stored on its own,
+    // so that the loop need not watch for the end of the text.
+    size_t lastChunk = found.chunks;
+    uint64_t lastStarts = 0;
+    {
+        uint64_t behind = 1;
+        for (size_t chunk = 0; chunk < found.chunks; ++chunk) {
+            const uint64_t starts = tokenStartsOf(found, chunk, behind);
+            if (starts != 0) {
+                lastChunk = chunk;
+                lastStarts = starts;
+            }
+        }
+    }
+    if (lastChunk == found.chunks) {
+        text[length] = '\0';
+        return 0;
+    }
+    const size_t lastStart = 64 * lastChunk + (63 - static_cast<size_t>(__builtin_clzll(lastStarts)));
+
+    size_t index = 0;
+    uint64_t behind = 1;
+    for (size_t chunk = 0; chunk <= lastChunk; ++chunk) {
+        uint64_t starts = tokenStartsOf(found, chunk, behind);
+        if (chunk == lastChunk) starts &= ~(uint64_t{1} << (lastStart % 64));
         char* const base = text + 64 * chunk;
-        for (uint64_t bits = starts.chunk(chunk); bits != 0; bits &= bits - 1) {
-            char* const token = base + lowestBit(bits);
-            const Block16 head = Block16::load(token);
-            // Bit 16 stands for "further on": a token of 16 bytes or more reads as 16 here.
-            const unsigned stops = isSeparator(head, token) | head.zeros() | 0x10000u;
-            if (Bounded && index == DataLine::kWordSlots) {
-                // strtok has found one token more than there are slots, and closed it.
-                token[tokenLength(token, stops & 0xFFFFu, isSeparator)] = '\0';
-                complete = false;
-                return index;
-            }
-            char* const word = slots[index];
-            uint16_t& mark = marks[index];
-            size_t size = lowestBit(stops);
-            // The usual token is short and lands in a slot that held a short word, with nothing
-            // written behind it: one 16-byte store leaves the slot as a clear and a copy would.
-            const bool quick = (size < 16) & (mark <= 16);
-            if (__builtin_expect(quick && Block16::load(word + 16).allZero(), 1)) {
-                head.storeFirst(word, size);
-                mark = static_cast<uint16_t>(size + 1);
-                if (OddBytes && (!isGraphic(token[0]) || !isGraphic(token[size - 1]))) {
-                    Generic::RemoveLeadingAndTrailingBlanks(word);
-                }
-            } else {
-                size = storeLongToken(word, mark, token, stops & 0xFFFFu, isSeparator);
-            }
-            // The token is copied before its NUL goes in: a block read across a byte just written
-            // waits for that write. At the end of the text this rewrites the NUL that is there.
-            token[size] = '\0';
+        for (; starts != 0; starts &= starts - 1) {
+            storeTokenOfLine<OddBytes, false>(base + lowestBit(starts), kNoEnd, slots[index], marks[index],
+                                              isSeparator);
             ++index;
         }
     }
+    storeTokenOfLine<OddBytes, true>(text + lastStart, length - lastStart, slots[index], marks[index], isSeparator);
+    text[length] = '\0';
+    return static_cast<unsigned>(index + 1);
+}
+
+// The same for a text that may hold more tokens than there are slots: stops at the first token
+// that finds no slot, closes it as strtok would, and says so in `complete`.
+template <typename Matcher>
+__attribute__((noinline)) unsigned cutManyTokens(char* text, size_t length, const LineSeparators& found,
+                                                 const Matcher isSeparator, char* const* slots, uint16_t* marks,
+                                                 bool& complete) {
+    complete = true;
+    unsigned index = 0;
+    uint64_t behind = 1;
+    for (size_t chunk = 0; chunk < found.chunks && complete; ++chunk) {
+        for (uint64_t starts = tokenStartsOf(found, chunk, behind); starts != 0; starts &= starts - 1) {
+            const size_t start = 64 * chunk + lowestBit(starts);
+            char* const token = text + start;
+            if (index == DataLine::kWordSlots) {
+                const unsigned ahead = isSeparator(Block16::load(token), token);
+                token[tokenLength(token, length - start, ahead, isSeparator)] = '\0';
+                complete = false;
+                break;
+            }
+            storeTokenOfLine<true, true>(token, length - start, slots[index], marks[index], isSeparator);
+            ++index;
+        }
+    }
+    text[length] = '\0';
     return index;
 }
 
 // Finds and stores the tokens of a trimmed line of `length` bytes.
 template <typename Matcher>
-unsigned cutLine(char* text, size_t length, TokenStarts& starts, const Matcher& isSeparator, char* const* slots,
+unsigned cutTokensOf(char* text, size_t length, LineSeparators& found, const Matcher& isSeparator, char* const* slots,
                  uint16_t* marks, bool& complete) {
-    starts.find(text, length, isSeparator);
+    found.find(text, length, isSeparator);
+    complete = true;
     // A token and its separator take two bytes, so only a line longer than twice the slots can
     // hold more tokens than there are slots.
-    if (length > 2 * DataLine::kWordSlots) {
-        return cutTokens<true, true>(text, starts, isSeparator, slots, marks, complete);
-    }
-    if (starts.oddBytes) return cutTokens<false, true>(text, starts, isSeparator, slots, marks, complete);
-    return cutTokens<false, false>(text, starts, isSeparator, slots, marks, complete);
+    if (length > 2 * DataLine::kWordSlots) return cutManyTokens(text, length, found, isSeparator, slots, marks, complete);
+    if (found.oddBytes) return cutTokens<true>(text, length, found, isSeparator, slots, marks);
+    return cutTokens<false>(text, length, found, isSeparator, slots, marks);
 }
 
 }  // namespace
@@ -474,13 +649,52 @@ struct DataLine::Buffers {
         endKeysValid = true;
     }
 
+    // False when `text` cannot start with a keyword of `endKeywords`: most lines start with a byte
+    // that begins none, and need no comparison at all.
+    bool mayBeEndKeyword(const char* endKeywords, const char* text) {
+        useEndKeywords(endKeywords);
+        return endKeysMatchAll || endKeyFirstBytes[static_cast<unsigned char>(text[0])];
+    }
+
+    // True when `text` starts with one of the keywords last used, without regard to case.
+    bool atEndKeyword(const char* text) const {
+        if (endKeysMatchAll) return true;
+        for (const std::string& key : endKeys) {
+            if (strncasecmp(text, key.c_str(), key.size()) == 0) return true;
+        }
+        return false;
+    }
+
     // The separator set taken apart, kept while the same set comes in.
     const SeparatorSet& useSeparators(const char* separators) {
-        if (!separatorsValid || std::strcmp(separatorSet.text.c_str(), separators) != 0) {
+        if (!separatorsValid || !sameText(separatorSet.text.c_str(), separators)) {
             separatorSet.assign(separators);
             separatorsValid = true;
         }
         return separatorSet;
+    }
+
+    // The cut of strtok over the trimmed line of `lineLength` bytes, each token into the next slot:
+    // a run of separators counts as one, leading separators are skipped, and the first separator
+    // behind each token becomes a NUL in the line, as does the byte behind the line. Answers the
+    // number of tokens stored.
+    unsigned cutLine(char* text, char* const* slots, const char* separators) {
+        const size_t length = lineLength;
+        const SeparatorSet& set = useSeparators(separators);
+        uint16_t* const marks = wordExtent.data();
+        unsigned stored = 0;
+        bool complete = true;
+        switch (set.count) {
+            case 1: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<1>(set), slots, marks, complete); break;
+            case 2: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<2>(set), slots, marks, complete); break;
+            case 3:
+            case 4: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<4>(set), slots, marks, complete); break;
+            default: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<0>(set), slots, marks, complete); break;
+        }
+        // Leave strtok's hidden position where a strtok loop over the line would have left it; a loop
+        // that stopped at the last slot leaves it behind that token, as it stands already.
+        if (complete) std::strtok(text + length, separators);
+        return stored;
     }
 
     std::unique_ptr<char[]> line;
@@ -509,7 +723,7 @@ struct DataLine::Buffers {
     // Where the text of `line` ends: after a read, the first NUL fgets left; after a trim, the end
     // of the trimmed text.
     size_t lineLength = 0;
-    TokenStarts tokenStarts;
+    LineSeparators separatorsOfLine;
 };
 
 DataLine::DataLine(FILE* stream_)
@@ -552,10 +766,7 @@ DataLine& DataLine::operator=(const DataLine& other) {
 // Buffer bookkeeping. Clearing the whole 256 KiB line and 4 MiB of slots on every read would cost
 // far more than reading the file; these leave the same contents at the cost of what was written.
 
-void DataLine::clearLine() {
-    clearWritten(line, kLineSize, m_Buffers->lineExtent);
-    m_Buffers->lineExtent = 0;
-}
+void DataLine::clearLine() { clearBuffer(line, kLineSize, m_Buffers->lineExtent); }
 
 void DataLine::clearWord(unsigned slot) {
     clearWritten(words[slot], kWordSize, m_Buffers->wordExtent[slot]);
@@ -570,39 +781,14 @@ void DataLine::noteWordWritten(unsigned slot, size_t extent) {
 void DataLine::copyIntoWord(unsigned slot, const char* text, size_t length) {
     // A slot holds 2049 characters and its NUL; longer text is cut rather than run into the next slot.
     length = std::min<size_t>(length, kWordSize - 1);
-    std::memcpy(words[slot], text, length);
+    copyBytes(words[slot], text, length);
     words[slot][length] = '\0';
     noteWordWritten(slot, length + 1);
 }
 
 
 bool DataLine::readLineIntoBuffer() {
-    if (stream == nullptr) return false;
-    // The reader is the only user of its stream while it reads, so the stream's lock buys nothing;
-    // taking it costs a sixth of the read itself.
-#if defined(__GLIBC__)
-    char* const got = fgets_unlocked(line, kLineSize, stream);
-#else
-    char* const got = std::fgets(line, kLineSize, stream);
-#endif
-    Buffers& buffers = *m_Buffers;
-    if (got == nullptr) {
-        // After a read error the buffer's contents are unknown.
-        if (std::ferror(stream)) buffers.lineExtent = kLineSize;
-        return false;
-    }
-    const size_t length = textLength(line);
-    buffers.lineLength = length;
-    const bool endsAtLineFeed = length > 0 && line[length - 1] == '\n';
-    const bool fillsBuffer = length == kLineSize - 1;
-    if (endsAtLineFeed || fillsBuffer) {
-        buffers.lineExtent = std::max(buffers.lineExtent, length + 1);
-    } else {
-        // A NUL byte inside the line (or a last line without its line feed) hides how far fgets
-        // wrote; the next clear then takes the whole buffer.
-        buffers.lineExtent = kLineSize;
-    }
-    return true;
+    return readLine(stream, line, kLineSize, m_Buffers->lineExtent, m_Buffers->lineLength);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -617,12 +803,7 @@ bool DataLine::IsEndOfKeyWord(const std::vector<std::string>& endKeys, const cha
 }
 
 bool DataLine::atEndKeyword(const char* endKeywords) {
-    if (endKeywords == nullptr) return false;
-    Buffers& buffers = *m_Buffers;
-    buffers.useEndKeywords(endKeywords);
-    if (buffers.endKeysMatchAll) return true;
-    if (!buffers.endKeyFirstBytes[static_cast<unsigned char>(line[0])]) return false;
-    return IsEndOfKeyWord(buffers.endKeys, line);
+    return endKeywords != nullptr && m_Buffers->mayBeEndKeyword(endKeywords, line) && m_Buffers->atEndKeyword(line);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -646,34 +827,11 @@ char** DataLine::getWordArray() { return words; }
 // Common steps of the reads.
 
 bool DataLine::readNonBlankTrimmedLine() {
-    while (readLineIntoBuffer()) {
-        if (trimText(line, m_Buffers->lineLength)) return true;
-    }
-    return false;
+    return readNonBlankLine(stream, line, kLineSize, m_Buffers->lineExtent, m_Buffers->lineLength);
 }
 
 unsigned DataLine::storeTokensOfLine(const char* separators) {
-    // The cut of strtok: a run of separators counts as one, leading separators are skipped, and the
-    // first separator behind each token becomes a NUL in `line`. Follows a trim, so the length is
-    // known and under 8192.
-    Buffers& buffers = *m_Buffers;
-    const size_t length = buffers.lineLength;
-    const SeparatorSet& set = buffers.useSeparators(separators);
-    TokenStarts& starts = buffers.tokenStarts;
-    uint16_t* const marks = buffers.wordExtent.data();
-    unsigned stored = 0;
-    bool complete = true;
-    switch (set.count) {
-        case 1: stored = cutLine(line, length, starts, SeparatorMatcher<1>(set), words, marks, complete); break;
-        case 2: stored = cutLine(line, length, starts, SeparatorMatcher<2>(set), words, marks, complete); break;
-        case 3:
-        case 4: stored = cutLine(line, length, starts, SeparatorMatcher<4>(set), words, marks, complete); break;
-        default: stored = cutLine(line, length, starts, SeparatorMatcher<0>(set), words, marks, complete); break;
-    }
-    // Leave strtok's hidden position where a strtok loop over `line` would have left it; a loop
-    // that stopped at the last slot leaves it behind that token, as it stands already.
-    if (complete) std::strtok(line + length, separators);
-    return stored;
+    return m_Buffers->cutLine(line, words, separators);
 }
 
 void DataLine::copyStrideIntoWord(unsigned slot, const char* text, size_t readable, unsigned index) {
@@ -727,26 +885,39 @@ char* DataLine::readNextCard(unsigned& n, const char* endKeyword) {
 }
 
 char** DataLine::readNextCardAsWords(unsigned& n, const char* separators, const char* endKeywords) {
-    clearLine();
-    if (isFlagOn(kEndFlagBit)) {
+    // Every line of a section passes through here, so the steps are spelled out with the inline
+    // helpers rather than through the member functions, which the shared library may not inline.
+    Buffers& buffers = *m_Buffers;
+    clearBuffer(line, kLineSize, buffers.lineExtent);
+    if ((flags & (1u << kEndFlagBit)) != 0) {
         n = 0;
         return nullptr;
     }
     if (separators == nullptr) separators = kDefaultSeparators;
     flags = 0;
-    if (readNonBlankTrimmedLine()) {
-        if (atEndKeyword(endKeywords)) {
+    // The NUL behind the trimmed line goes in last, once the line has been read: a block read
+    // across a byte just written waits for that write.
+    size_t& length = buffers.lineLength;
+    if (readNonBlankLine<false>(stream, line, kLineSize, buffers.lineExtent, length)) {
+        if (endKeywords != nullptr && buffers.mayBeEndKeyword(endKeywords, line) &&
+            (line[length] = '\0', buffers.atEndKeyword(line))) {
             // The end line stays in `line` for a caller that wants to look at it.
             n = 0;
-            setFlag(kEndFlagBit);
+            flags |= 1u << kEndFlagBit;
         } else {
             wordCount = 0;
             if (n < 2) {
                 // One wanted word is the whole line; the slot keeps whatever lies behind the NUL.
-                copyIntoWord(0, line, m_Buffers->lineLength);
+                const size_t kept = std::min<size_t>(length, kWordSize - 1);
+                copyBytes(words[0], line, kept);
+                words[0][kept] = '\0';
+                uint16_t& mark = buffers.wordExtent[0];
+                mark = std::max(mark, static_cast<uint16_t>(kept + 1));
+                line[length] = '\0';
                 wordCount = 1;
             } else {
-                wordCount = storeTokensOfLine(separators);
+                // Closes the line too.
+                wordCount = buffers.cutLine(line, words, separators);
                 n = wordCount;
             }
         }

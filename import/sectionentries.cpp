@@ -4,14 +4,18 @@
 #include "sections/chemicalcomposition.h"
 #include "sections/chimie.h"
 #include "sections/composition.h"
+#include "sections/grain.h"
 #include "sections/importbase.h"
 #include "sections/initialhardness.h"
 #include "sections/materiaux.h"
 #include "sections/matlabels.h"
+#include "sections/mattables.h"
 #include "sections/metallurgy.h"
+#include "sections/metallurgytable.h"
 #include "sections/phaseinfo.h"
 #include "sections/phaseinfoifwire.h"
 #include "sections/phases.h"
+#include "sections/reaction.h"
 
 const std::vector<SectionEntryRow>& SectionEntryRows() {
   static const std::vector<SectionEntryRow> rows = {
@@ -33,6 +37,10 @@ const std::vector<SectionEntryRow>& SectionEntryRows() {
       {KW_INITIAL_HARDNESS, runInitialHardnessImport},
       {KW_METALLURGY, runMetallurgyImport},
       {KW_CHIMIE, runChimieImport},
+      {KW_MAT_TABLES, runMatTablesImport},
+      {KW_METALLURGY_TABLE, runMetallurgyTableImport},
+      {KW_REACTION, runReactionImport},
+      {KW_GRAIN, runGrainImport},
   };
   return rows;
 }

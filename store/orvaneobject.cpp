@@ -92,8 +92,11 @@ const char* Orvane::GetDependentParamID(const char* idref, std::vector<std::stri
   names.clear();
   if (idref == nullptr || idref[0] == '\0') return nullptr;
   const quillon::MappingParameter* row = quillon::FindRowByID(idref, OrvaneStaticVars::GetActiveModel());
-  if (row == nullptr || row->dependentParamID.empty()) return nullptr;
+  if (row == nullptr) return nullptr;
+  // The conditions a value may carry hold also where the value has no axis
+  // (a table of constants names its phases).
   OrvaneGenericAPI::strtoken(row->fixedParamIDs.c_str(), ',', names);
+  if (row->dependentParamID.empty()) return nullptr;
   if (text != nullptr) *text = row->dependentParamID;
   return row->dependentParamID.c_str();
 }

@@ -5,6 +5,7 @@
 #include <strings.h>
 
 #include <cstdlib>
+#include <set>
 #include <string>
 
 #include "store/orvane.h"
@@ -86,11 +87,22 @@ OrvaneMLRecordDataset* ByIDref(const char* id, bool create, const char* value, c
   return dataset;
 }
 
-OrvaneMLRecordDataset* FindAtHandByDatasetID(const std::string& id) {
+// The first dataset at hand with this table id; with `tables` given, only
+// those of the material's own list (table data) count.
+OrvaneMLRecordDataset* FindAtHandByDatasetID(const std::string& id,
+                                             const std::set<const OrvaneMLRecordDataset*>* tables) {
   for (OrvaneMLRecordDataset* dataset : State().datasetsAtHand.m_Datasets) {
-    if (dataset->m_DatasetID == id) return dataset;
+    if (dataset->m_DatasetID != id) continue;
+    if (tables == nullptr || tables->count(dataset) != 0) return dataset;
   }
   return nullptr;
+}
+
+// The table sections: there a table id always means a table, never the
+// phase number that phase datasets carry as theirs.
+bool InTableSection() {
+  const std::string& keyword = State().activeKW;
+  return keyword == "TABLES :" || keyword == "TABLE" || keyword == "TABLES";
 }
 
 OrvaneMLRecordDataset* FindFiled(const std::string& id) {
@@ -124,17 +136,31 @@ OrvaneMLRecordDataset* ByDatasetID(const char* id, bool create, const char* valu
   if (create) {
     dataset = MakeTableDataset(tableId, text);
     if (!IsEmpty(value)) OrvaneStaticVars::CreateDatasetBasedOnType(value, dataset, 0);
-  } else {
-    // The table reader asks with every line's first word, the text lines of
-    // a function table among them: a word that is no table id must leave the
-    // function's dataset current.
-    if (!OrvaneStaticVars::IsValidNumber(id)) return nullptr;
-    dataset = FindAtHandByDatasetID(tableId);
-    if (dataset == nullptr) dataset = FindFiled(tableId);
-    // A table that no line referred to still keeps its values, apart from
-    // every other table's.
-    if (dataset == nullptr) dataset = MakeTableDataset(tableId, nullptr);
+    quillon::MakeCurrent(dataset);
+    return dataset;
   }
+  // The table reader asks with every line's first word, the text lines of a
+  // function table among them: a word that is no table id must leave the
+  // function's dataset current.
+  if (!OrvaneStaticVars::IsValidNumber(id)) return nullptr;
+  const std::set<const OrvaneMLRecordDataset*> tables = State().datasetsAtHand.TableDatasets();
+  // A table made already: by a list of tables, a family of curves, a
+  // variable line, or an earlier line of the same table.
+  dataset = FindAtHandByDatasetID(tableId, &tables);
+  if (dataset == nullptr && InTableSection()) {
+    // A parameter that refers to the table keeps its link; the table's
+    // values go to a dataset of the parameter's identifier and the table's
+    // id, beside the other tables of the material.
+    OrvaneMLRecordDataset* filed = FindFiled(tableId);
+    if (filed != nullptr)
+      dataset = tables.count(filed) != 0 ? filed : MakeTableDataset(tableId, filed->m_IDref.c_str());
+  } else if (dataset == nullptr) {
+    dataset = FindAtHandByDatasetID(tableId, nullptr);
+    if (dataset == nullptr) dataset = FindFiled(tableId);
+  }
+  // A table that no line referred to still keeps its values, apart from
+  // every other table's.
+  if (dataset == nullptr) dataset = MakeTableDataset(tableId, nullptr);
   quillon::MakeCurrent(dataset);
   return dataset;
 }
@@ -212,6 +238,13 @@ void OrvaneStaticVars::CreateDatasetBasedOnType(const char* value, OrvaneMLRecor
   }
   const quillon::MappingParameter* row = quillon::FindRowByID(dataset->m_IDref, State().activeModel);
   const std::string type = row != nullptr ? row->dataType : std::string();
+  // A "STATUS" value is the number of the function table behind it (the
+  // import numbers both): the parameter refers to that table, so that the
+  // function's lines reach a table of the parameter.
+  if ((row != nullptr && row->cardsetID == "STATUS") || dataset->m_IDref == "STATUS") {
+    AddLinkOnce(dataset, value);
+    AddDataset(dataset, value);
+  }
   if (type == "float" || type == "curve") {
     FirstConstant(dataset)->SetValueAsString(value);
   } else if (type == "integer") {
@@ -242,9 +275,14 @@ OrvaneMLRecordDatasets* OrvaneStaticVars::GetDatasetsPtr() { return &State().dat
 
 OrvaneMLRecordDataset* OrvaneStaticVars::FindDataset(const char* datasetId, const char* idref) {
   if (IsEmpty(datasetId)) return nullptr;
-  for (OrvaneMLRecordDataset* dataset : State().datasetsAtHand.m_Datasets) {
-    if (dataset->m_DatasetID != datasetId) continue;
-    if (idref == nullptr || dataset->m_IDref == idref) return dataset;
+  // Tables first: phase datasets carry their phase number as table id.
+  const std::set<const OrvaneMLRecordDataset*> tables = State().datasetsAtHand.TableDatasets();
+  for (int pass = 0; pass < 2; ++pass) {
+    for (OrvaneMLRecordDataset* dataset : State().datasetsAtHand.m_Datasets) {
+      if (dataset->m_DatasetID != datasetId) continue;
+      if (pass == 0 && tables.count(dataset) == 0) continue;
+      if (idref == nullptr || dataset->m_IDref == idref) return dataset;
+    }
   }
   return nullptr;
 }

@@ -53,6 +53,18 @@ void DatasetsAtHand::FreeOrphans() {
   m_Orphans.m_Datasets.clear();
 }
 
+std::set<const OrvaneMLRecordDataset*> DatasetsAtHand::TableDatasets() const {
+  std::set<const OrvaneMLRecordDataset*> own(m_Orphans.m_Datasets.begin(), m_Orphans.m_Datasets.end());
+  if (m_Material != nullptr) {
+    const std::vector<OrvaneMLRecordDataset*>& list = m_Material->m_Datasets->m_Datasets;
+    own.insert(list.begin(), list.end());
+  }
+  std::set<const OrvaneMLRecordDataset*> tables;
+  for (const OrvaneMLRecordDataset* dataset : m_Datasets)
+    if (own.count(dataset) != 0) tables.insert(dataset);
+  return tables;
+}
+
 void AddStoreError(StoreState& state, const std::string& text) {
   if (!state.lastError.empty()) state.lastError += "\n";
   state.lastError += text;

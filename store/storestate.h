@@ -33,6 +33,9 @@ class DatasetsAtHand : public OrvaneMLRecordDatasets {
   void Note(OrvaneMLRecordDataset* dataset) { ListWithoutOwning(dataset); }
   void Forget() { m_Datasets.clear(); }
   void FreeOrphans();
+  // The datasets at hand that belong to no model: those of the material's
+  // own list (table data) and the orphans.
+  std::set<const OrvaneMLRecordDataset*> TableDatasets() const;
 
   OrvaneMLRecordMaterial* m_Material = nullptr;  // where new datasets go
 

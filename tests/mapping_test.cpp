@@ -19,6 +19,12 @@
 #include <string>
 #include <vector>
 
+#include "core/card.h"
+#include "core/importobject.h"
+#include "import/sectionconverters.h"
+#include "store/orvane.h"
+#include "store/orvaneml.h"
+
 namespace {
 
 using quillon::Mapping;
@@ -615,7 +621,7 @@ TEST_F(ShippedMapping, HasARowForEveryStoreIdentifierTheSystemNames) {
       "TIME_99", "K_table_index", "KP_table_index", "N_table_index", "F_table_index",
       "FP_table_index", "FCA", "FCAKoistinen", "FCB", "EKTemperature_Nose", "EKTime_NoseEnd", "EKTs",
       "EKQ", "EKK", "EKm", "EKautoTshift", "ttt_diagram_selection", "ttt_diagram_user_material",
-      "Tmin", "QConstant", "PowerConstant", "CConstant", "AUSTENITE"};
+      "Tmin", "QConstant", "PowerConstant", "CConstant", "AUSTENITE", "CREEP", "CREEP21"};
   for (const char* id : named) EXPECT_NE(m_Mapping.FindByID(id), nullptr) << id;
 }
 
@@ -789,54 +795,78 @@ TEST_F(ShippedMapping, ExportOrderOfEachModelFollowsTheCardFileLayout) {
 }
 
 // ---------------------------------------------------------------------------
-// Coverage of the sample card files.  The import renames words before the
-// store sees them; the rules below are its renaming, as far as the sample
-// files meet it: no material name holds "Trans" or "SLIDEPLANE", no thermal
-// model has "ReducedIntegration", and no line gives "$" behind LX, LY, LZ.
+// Words as the import hands them to the store.  The import renames the words
+// of a line before the store sees them, by section keyword, card model, the
+// text of a label line and what the store already holds; the tests below run
+// the import's own renaming (ConvertVariableNames), so that the mapping is
+// measured against it and not against a copy of its rules.
 
 std::string Upper(std::string text) {
   for (char& c : text) c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
   return text;
 }
 
-bool IsMechanical(const std::string& model) {
-  return model == "mechanical" || model == "mechanical_phases";
-}
+// What the store may already hold when a line is renamed.
+struct Held {
+  bool constraintStiffness = false;  // a constraint stiffness stored by an earlier label line
+  bool youngsModulus = false;        // a Young's modulus stored earlier in the block
+  bool reducedIntegration = false;   // the host gave the thermal model "ReducedIntegration"
+  const char* materialName = "W_Sample";
+};
 
-std::string Renamed(const std::string& word, const std::string& keyword, const std::string& model,
-                    const std::string& line) {
-  const std::string name = Upper(word);
-  const bool labelsOrMateriaux = keyword == "LABELS :" || keyword == "MATERIAUX :";
-  const bool lineHasReference = line.find("-&") != std::string::npos;
-  if (name == "RHO") return (model == "mechanical" && keyword == "LABELS :") ? "MECHRHO" : word;
-  if (name == "C") {
-    if (labelsOrMateriaux) return "CX";
-    if (keyword.compare(0, 5, "GRAIN") == 0) return "GRAINC";
-    if (keyword == "CHIMIE :" && Upper(model) == "DIFFUSION") return "CHIMIEC";
-    return word;
+// The words of a line after the import's renaming, in a fresh store holding
+// one material of `cardModel` with what `held` says.  `labelText` is the
+// text of a "LABELS :" line, which the renaming reads from the line's card;
+// other sections give none.
+std::vector<std::string> RenamedLine(const std::vector<std::string>& words, const std::string& keyword,
+                                     const std::string& cardModel, const char* labelText, const Held& held = {}) {
+  const std::string noStore = "/tmp/quillon_mapping_renaming_" + std::to_string(getpid()) + ".xml";
+  std::remove(noStore.c_str());
+  OrvaneStaticVars::Init(noStore.c_str());
+  OrvaneStaticVars::SetCurrentMaterialType("W");
+  OrvaneStaticVars::GetOrCreateMaterial(held.materialName);
+  OrvaneStaticVars::SetActiveModel(cardModel.c_str());
+  if (held.constraintStiffness) {
+    OrvaneMLRecordMatModel* mechanical = OrvaneStaticVars::FindModelByID("Mechanical_Weld");
+    EXPECT_NE(mechanical, nullptr);
+    if (mechanical != nullptr && mechanical->m_SubModels != nullptr) {
+      for (OrvaneMLRecordMatModel* sub : mechanical->m_SubModels->m_Models) {
+        if (sub->m_IDref != "SpecialPropertyModel") continue;
+        auto* stiffness = new OrvaneMLRecordDataset;
+        stiffness->SetIDref("ConstraintStiffness");
+        sub->AddDataset(stiffness);
+      }
+    }
   }
-  if (name == "KY") {
-    if (!labelsOrMateriaux) return word;
-    if (IsMechanical(model)) return lineHasReference ? "KSY" : word;
-    if (model == "diffusion") return "DY";
-    return "KYX";
+  if (held.youngsModulus) OrvaneStaticVars::GetOrCreateDataset("Youngs_modulus_weld", "IDref", true, nullptr, nullptr);
+  if (held.reducedIntegration) {
+    OrvaneMLRecordMatModel* thermal = OrvaneStaticVars::FindModelByID("Thermal_Weld");
+    EXPECT_NE(thermal, nullptr);
+    if (thermal != nullptr) {
+      auto* reduced = new OrvaneMLRecordMatModel;
+      reduced->SetIDref("ReducedIntegration");
+      thermal->GetOrCreateSubModels()->AddModel(reduced);
+    }
   }
-  if (name == "KX") {
-    if (!labelsOrMateriaux) return word;
-    if (IsMechanical(model)) return "KSX";
-    if (model == "diffusion") return "DX";
-    return word;
+
+  ImportObject section(keyword.c_str());
+  if (labelText != nullptr) {
+    Card* card = new Card("LabelDetails");
+    card->addField("StrValue", new CharArray(labelText, 10));
+    section.addCard(card);
   }
-  if (name == "E") return lineHasReference ? word : "EX";
-  if (name == "K") return "KT";
-  if (name == "F") return "FX";
-  if (name == "N") return (keyword == "CHIMIE :" && model == "diffusion") ? "CHIMIEN" : "NX";
-  if (name == "LX") return lineHasReference ? word : "IG";
-  if (name == "KZ") {
-    if (IsMechanical(model)) return "KSZ";
-    if (model == "diffusion") return "DZ";
+  // Slots of the line reader's size, as the converters expect.
+  std::vector<std::vector<char>> slots(words.size() + 2, std::vector<char>(2050, 0));
+  std::vector<char*> pointers;
+  for (size_t i = 0; i < slots.size(); ++i) {
+    if (i < words.size()) std::snprintf(slots[i].data(), slots[i].size(), "%s", words[i].c_str());
+    pointers.push_back(slots[i].data());
   }
-  return word;
+  unsigned count = static_cast<unsigned>(words.size());
+  ConvertVariableNames(pointers.data(), &count, 0, &section);
+  std::vector<std::string> renamed;
+  for (size_t i = 0; i < words.size(); ++i) renamed.push_back(slots[i].data());
+  return renamed;
 }
 
 std::string Trimmed(const std::string& text) {
@@ -915,27 +945,33 @@ std::vector<CardWord> ParameterWordsOf(const std::string& path) {
       continue;
     }
     ++lineInSection;
-    std::vector<std::string> names;
+    // The words of the line as its reader splits them, and the positions
+    // of the parameter names among them.
+    std::vector<std::string> words;
+    std::vector<size_t> names;
     if (section == "LABELS :") {
       if (line.find('&') != std::string::npos) {
-        names.push_back(WordsOf(line, " -&")[0]);
+        words = WordsOf(line, " -&");
+        names.push_back(0);
       } else {
-        std::vector<std::string> words = WordsOf(line, " ");
+        words = WordsOf(line, " ");
         if (words.size() == 2 && Upper(words[0]) == "MODEL") {
-          names.push_back(words[0]);  // a model line: nothing else on it is renamed
+          names.push_back(0);  // a model line: its value is the model's name
         } else {
-          for (size_t i = 0; i < words.size(); i += 2) names.push_back(words[i]);
+          for (size_t i = 0; i < words.size(); i += 2) names.push_back(i);
         }
       }
     } else if (section == "MATERIAUX :") {
       if (lineInSection <= 2) continue;  // the METALLURGY and PHASE lines
-      names.push_back(WordsOf(line, "=() ")[0]);
+      words = WordsOf(line, "=() ");
+      names.push_back(0);
     } else {
-      names.push_back(WordsOf(line, " ")[0]);
+      words = WordsOf(line, " ");
+      names.push_back(0);
     }
-    for (const std::string& name : names) {
-      found.push_back({path, cardModel, section, Renamed(name, section, cardModel, line)});
-    }
+    const std::vector<std::string> renamed =
+        RenamedLine(words, section, cardModel, section == "LABELS :" ? line.c_str() : nullptr);
+    for (size_t name : names) found.push_back({path, cardModel, section, renamed[name]});
   }
   return found;
 }
@@ -961,20 +997,202 @@ TEST_F(ShippedMapping, EveryParameterWordOfTheSampleFilesHasARowForItsCardModel)
   EXPECT_GE(checked, 90u) << "the scan of the sample files found too few words";
 }
 
-TEST(CorpusRenaming, TheRenamingRulesOfTheScanAreThoseOfTheImport) {
-  EXPECT_EQ(Renamed("RHO", "LABELS :", "mechanical", "RHO 7.85e-06"), "MECHRHO");
-  EXPECT_EQ(Renamed("RHO", "LABELS :", "mechanical_phases", "RHO 7.85e-06"), "RHO");
-  EXPECT_EQ(Renamed("C", "MATERIAUX :", "thermometal_cp", "C 1 C 2"), "CX");
-  EXPECT_EQ(Renamed("C", "CHIMIE :", "diffusion", "C 0.2"), "CHIMIEC");
-  EXPECT_EQ(Renamed("N", "CHIMIE :", "diffusion", "N 0.01"), "CHIMIEN");
-  EXPECT_EQ(Renamed("N", "LABELS :", "mechanical", "K 1250 N 0.48"), "NX");
-  EXPECT_EQ(Renamed("KX", "LABELS :", "diffusion", "KX -&5&"), "DX");
-  EXPECT_EQ(Renamed("KZ", "LABELS :", "mechanical_phases", "KZ 1e+06"), "KSZ");
-  EXPECT_EQ(Renamed("LX", "LABELS :", "mechanical", "LX 1.65e-05"), "IG");
-  EXPECT_EQ(Renamed("LX", "LABELS :", "mechanical", "LX -&20&"), "LX");
-  EXPECT_EQ(Renamed("E", "LABELS :", "mechanical", "E -&1&"), "E");
-  EXPECT_EQ(Renamed("E", "LABELS :", "mechanical", "E 210000"), "EX");
-  EXPECT_EQ(Renamed("c", "MATERIAUX :", "thermometal", "c 900"), "CX");
+std::string Renamed(const std::string& line, const std::string& keyword, const std::string& cardModel,
+                    const Held& held = {}) {
+  const bool labels = keyword == "LABELS :";
+  const std::vector<std::string> words = WordsOf(line, labels && line.find('&') != std::string::npos ? " -&"
+                                                       : keyword == "MATERIAUX :"                     ? "=() "
+                                                                                                      : " ");
+  return RenamedLine(words, keyword, cardModel, labels ? line.c_str() : nullptr, held)[0];
+}
+
+TEST(ImportRenaming, TheHelperDrivesEveryBranchOfTheImportsRenaming) {
+  Held stiffness, modulus, reduced, slidePlane;
+  stiffness.constraintStiffness = true;
+  modulus.youngsModulus = true;
+  reduced.reducedIntegration = true;
+  slidePlane.materialName = "W_SLIDEPLANE_NOFRICTION";
+  EXPECT_EQ(Renamed("RHO 7.85e-06", "LABELS :", "mechanical"), "MECHRHO");
+  EXPECT_EQ(Renamed("RHO 7.85e-06", "LABELS :", "mechanical_phases"), "RHO");
+  EXPECT_EQ(Renamed("C(1) = 900", "MATERIAUX :", "thermometal_cp"), "CX");
+  EXPECT_EQ(Renamed("c(1) = 900", "MATERIAUX :", "thermometal_cp"), "CX");
+  EXPECT_EQ(Renamed("C 900", "LABELS :", "mechanical"), "CX");
+  EXPECT_EQ(Renamed("C 0.2", "CHIMIE :", "diffusion"), "CHIMIEC");
+  EXPECT_EQ(Renamed("N 0.01", "CHIMIE :", "diffusion"), "CHIMIEN");
+  EXPECT_EQ(Renamed("N 0.48", "LABELS :", "mechanical"), "NX");
+  EXPECT_EQ(Renamed("K 1250", "LABELS :", "mechanical"), "KT");
+  EXPECT_EQ(Renamed("F 0.1", "LABELS :", "diffusion"), "FX");
+  EXPECT_EQ(Renamed("KX -&5&", "LABELS :", "diffusion"), "DX");
+  EXPECT_EQ(Renamed("KX -&12&", "LABELS :", "mechanical"), "KSX");
+  EXPECT_EQ(Renamed("KZ 1e+06", "LABELS :", "mechanical_phases"), "KSZ");
+  // KY of the mechanical labels: a spring only on a reference line or once
+  // a constraint stiffness is stored.
+  EXPECT_EQ(Renamed("KY 50", "LABELS :", "mechanical"), "KY");
+  EXPECT_EQ(Renamed("KY 50", "LABELS :", "mechanical", stiffness), "KSY");
+  EXPECT_EQ(Renamed("KY -&8&", "LABELS :", "mechanical"), "KSY");
+  // KY of a thermal block: the Y conductivity unless a Young's modulus is stored.
+  EXPECT_EQ(Renamed("KY(1) = TABLE 50", "MATERIAUX :", "thermometal_cp"), "KYX");
+  EXPECT_EQ(Renamed("KY(1) = TABLE 50", "MATERIAUX :", "thermometal_cp", modulus), "KY");
+  EXPECT_EQ(Renamed("KX(1) = TABLE 10", "MATERIAUX :", "thermometal_cp"), "KX");
+  EXPECT_EQ(Renamed("KX(1) = TABLE 10", "MATERIAUX :", "thermometal_cp", reduced), "KXX");
+  EXPECT_EQ(Renamed("LX 1.65e-05", "LABELS :", "mechanical"), "IG");
+  EXPECT_EQ(Renamed("LX -&20&", "LABELS :", "mechanical"), "LX");
+  EXPECT_EQ(Renamed("LY $3", "LABELS :", "mechanical"), "IG");
+  EXPECT_EQ(Renamed("LX(1) = TABLE 20", "MATERIAUX :", "thermometal_cp"), "LX");
+  EXPECT_EQ(Renamed("E -&1&", "LABELS :", "mechanical"), "E");
+  EXPECT_EQ(Renamed("E -&1&", "LABELS :", "mechanical", slidePlane), "EX");
+  EXPECT_EQ(Renamed("E 210000", "LABELS :", "mechanical"), "EX");
+  EXPECT_EQ(Renamed("E(1) = TABLE 1", "MATERIAUX :", "tempering"), "EX");
+  EXPECT_EQ(Renamed("MODEL 3", "LABELS :", "mechanical"), "MODEL");
+}
+
+// Every word the renaming can give in a section a card model writes finds a
+// row of that card model, for that section, in that card model's store
+// model.  A word without one would be filed by another card model's row, in
+// another model, or kept under its own name.
+struct WordContext {
+  const char* cardModel;
+  const char* keyword;
+  std::set<std::string> expected;  // every word the renaming gives there
+};
+
+TEST_F(ShippedMapping, EveryWordTheRenamingGivesHasARowInTheStoreModelOfItsCardModel) {
+  const std::vector<std::string> labelWords = {"RHO", "C", "KX", "KY", "KZ", "E", "K", "F", "N", "LX", "LY", "LZ"};
+  const std::vector<std::string> variableWords = {"RHO", "C", "KX", "KY", "KZ", "H", "E", "LX", "LY", "LZ"};
+  const std::vector<std::string> chemistryWords = {"C", "N", "MN", "CR", "SI", "NI", "MO", "CU", "AL", "TI", "NB", "CO"};
+  const std::set<std::string> thermalWords = {"RHO", "CX", "KX", "KXX", "KY", "KYX", "KZ", "H", "EX", "LX", "LY", "LZ", "IG"};
+  const WordContext contexts[] = {
+      {"mechanical", "LABELS :",
+       {"MECHRHO", "CX", "KSX", "KSY", "KY", "KSZ", "E", "EX", "KT", "FX", "NX", "LX", "LY", "LZ", "IG"}},
+      {"mechanical_phases", "LABELS :",
+       {"RHO", "CX", "KSX", "KSY", "KY", "KSZ", "E", "EX", "KT", "FX", "NX", "LX", "LY", "LZ", "IG"}},
+      {"diffusion", "LABELS :",
+       {"RHO", "CX", "DX", "DY", "DZ", "E", "EX", "KT", "FX", "NX", "LX", "LY", "LZ", "IG"}},
+      {"diffusion", "CHIMIE :",
+       {"CHIMIEC", "CHIMIEN", "MN", "CR", "SI", "NI", "MO", "CU", "AL", "TI", "NB", "CO"}},
+      {"thermometal_cp", "MATERIAUX :", thermalWords},
+      {"thermometal_enth", "MATERIAUX :", thermalWords},
+      {"tempering", "MATERIAUX :", thermalWords},
+  };
+  std::vector<Held> settings(4);
+  settings[1].constraintStiffness = true;
+  settings[2].youngsModulus = true;
+  settings[3].reducedIntegration = true;
+
+  for (const WordContext& context : contexts) {
+    const std::string keyword = context.keyword;
+    const std::vector<std::string>& vocabulary =
+        keyword == "LABELS :" ? labelWords : keyword == "MATERIAUX :" ? variableWords : chemistryWords;
+    // Each line form a word can stand in: a value, a reference to a table,
+    // a value behind "$".
+    std::vector<std::pair<std::vector<std::string>, std::string>> forms;
+    for (const std::string& word : vocabulary) {
+      if (keyword == "LABELS :") {
+        forms.push_back({{word, "5"}, word + " 5"});
+        forms.push_back({{word, "12"}, word + " -&12&"});
+        forms.push_back({{word, "$5"}, word + " $5"});
+      } else if (keyword == "MATERIAUX :") {
+        forms.push_back({{word, "1", "5"}, ""});
+        forms.push_back({{word, "1", "TABLE", "10"}, ""});
+        forms.push_back({{word, "$5"}, ""});
+      } else {
+        forms.push_back({{word, "0.2"}, ""});
+      }
+    }
+    std::set<std::string> given;
+    for (const Held& held : settings) {
+      for (const auto& [words, text] : forms) {
+        const std::string word =
+            RenamedLine(words, keyword, context.cardModel, text.empty() ? nullptr : text.c_str(), held)[0];
+        if (!given.insert(word).second) continue;
+        const std::string where = word + " (" + keyword + ", " + context.cardModel + ")";
+        const MappingParameter* row = m_Mapping.FindByCardWord(word, context.cardModel);
+        if (row == nullptr) {
+          ADD_FAILURE() << where << " has no row";
+          continue;
+        }
+        EXPECT_TRUE(row->ListsCardModel(context.cardModel) ||
+                    row->ListsCardModel(Mapping::CardModelStem(context.cardModel)))
+            << where << " falls back on the row of " << row->orvaneMLID << " for " << row->cardsetModel;
+        EXPECT_EQ(row->cardsetKW, keyword) << where;
+        const MappingModel* owner = m_Mapping.FindModel(row->model) != nullptr
+                                        ? m_Mapping.FindModel(row->model)
+                                        : m_Mapping.FindOwnerOfSubModel(row->model);
+        const MappingModel* home = m_Mapping.DefaultModelForCardModel(context.cardModel);
+        ASSERT_NE(home, nullptr) << context.cardModel;
+        ASSERT_NE(owner, nullptr) << where << ": " << row->model;
+        EXPECT_EQ(owner->idref, home->idref) << where << " is kept in " << row->model;
+      }
+    }
+    EXPECT_EQ(given, context.expected) << keyword << ", " << context.cardModel;
+  }
+}
+
+// The keys of a reaction line, as the reaction reader names them, in the
+// reaction model of each card model that has reactions.
+TEST_F(ShippedMapping, ReactionKeysHaveRowsInTheReactionModelOfEachCardModel) {
+  const char* const keys[] = {"KT", "KP", "FX", "FP", "NX", "PEQ", "TAU", "FCA", "MS", "KM", "FCAK", "FCB"};
+  const std::pair<const char*, const char*> models[] = {{"thermometal_cp", "ReactionDefinition"},
+                                                        {"thermometal_enth", "ReactionDefinition"},
+                                                        {"Metallurgy_Weld", "ReactionDefinition"},
+                                                        {"tempering", "TemperReactionModel"}};
+  for (const auto& [cardModel, definition] : models) {
+    for (const char* key : keys) {
+      const MappingParameter* row = m_Mapping.FindByCardWord(key, cardModel);
+      ASSERT_NE(row, nullptr) << key << " (" << cardModel << ")";
+      EXPECT_TRUE(row->ListsCardModel(cardModel) || row->ListsCardModel(Mapping::CardModelStem(cardModel)))
+          << key << " (" << cardModel << ") falls back on " << row->cardsetModel;
+      EXPECT_EQ(row->cardsetKW, "REACTION") << key << " (" << cardModel << ")";
+      EXPECT_EQ(row->model, definition) << key << " (" << cardModel << ")";
+    }
+  }
+}
+
+// The grain line's words stand at fixed places and are its identifiers, as
+// written; C is renamed.
+TEST_F(ShippedMapping, GrainWordsHaveRowsAsTheGrainLineWritesThem) {
+  const std::vector<std::vector<std::string>> lines = {
+      {"GRAIN", "TMIN", "900", "Q", "280000", "POWER", "2", "C", "2e+06", "AUSTENITE", "6"},
+      {"GRAIN", "Tmin", "700.", "Q", "2.5", "POWER", "3", "C", "1.0", "Austenite", "1"}};
+  const std::vector<std::string> ids = {"Tmin", "QConstant", "PowerConstant", "CConstant", "AUSTENITE"};
+  for (const std::vector<std::string>& line : lines) {
+    const std::vector<std::string> renamed = RenamedLine(line, "GRAIN", "thermometal_cp", nullptr);
+    EXPECT_EQ(renamed[7], "GRAINC");
+    for (size_t i = 1; i < 10; i += 2) {
+      const MappingParameter* row = m_Mapping.FindByCardWord(renamed[i], "thermometal_cp");
+      ASSERT_NE(row, nullptr) << renamed[i];
+      EXPECT_EQ(row->orvaneMLID, ids[i / 2]) << renamed[i];
+      EXPECT_EQ(row->cardsetKW, "GRAIN") << renamed[i];
+      EXPECT_TRUE(row->ListsCardModel("thermometal")) << renamed[i];
+    }
+  }
+}
+
+// The creep list table renames the creep model after the model's code; the
+// family has rows in the model it ends in, and the tags it is made under.
+TEST_F(ShippedMapping, TheCreepFamilyHasRowsInTheModelsTheCreepTableNames) {
+  const std::pair<const char*, const char*> family[] = {
+      {"CREEP", "CreepRuptureModel"},
+      {"CreepLogHardeningCoefficient", "CreepRuptureModel"},
+      {"CreepSensitivityExponent", "CreepRuptureModel"},
+      {"CreepH", "CreepRuptureModel"},
+      {"CreepLogC", "CreepRuptureModel"},
+      {"CreepConstantP", "CreepRuptureModel"},
+      {"CREEP21", "CreepRuptureModel21"},
+      {"CreepHardeningCoefficientK", "CreepRuptureModel21"},
+      {"CreepHardeningExponentM", "CreepRuptureModel21"},
+      {"CreepSensitivityExponentN", "CreepRuptureModel21"}};
+  for (const auto& [id, model] : family) {
+    bool found = false;
+    for (const MappingParameter& row : m_Mapping.Parameters()) {
+      found = found || (row.orvaneMLID == id && row.model == model && row.ListsCardModel("mechanical"));
+    }
+    EXPECT_TRUE(found) << id << " in " << model;
+  }
+  // The import finds the family's first row by the card word, in the model
+  // every material has.
+  EXPECT_EQ(m_Mapping.FindByCardWord("CREEP", "mechanical")->model, "CreepModel");
+  EXPECT_EQ(m_Mapping.FindByID("CREEP", "mechanical")->model, "CreepRuptureModel");
 }
 
 // Reaction keys and grain words, the other words of the samples that become
@@ -998,9 +1216,9 @@ TEST_F(ShippedMapping, ReactionKeysAndGrainWordsOfTheSampleFilesHaveRows) {
       }
       if (line.compare(0, 5, "GRAIN") == 0) {
         inReaction = false;
-        std::vector<std::string> words = WordsOf(line, " ");
+        const std::vector<std::string> words = RenamedLine(WordsOf(line, " "), "GRAIN", cardModel, nullptr);
         for (size_t i = 1; i < words.size() && i < 10; i += 2) {
-          const std::string word = Renamed(words[i], "GRAIN", cardModel, line);
+          const std::string& word = words[i];
           const MappingParameter* row = m_Mapping.FindByCardWord(word, cardModel);
           ++checked;
           ASSERT_NE(row, nullptr) << word << " of " << path;

@@ -59,9 +59,6 @@ inline void clearWritten(char* buffer, size_t size, size_t knownExtent) {
     std::memset(buffer, 0, writtenExtent(buffer, size, knownExtent));
 }
 
-// Tokens up to this length go into their slot in whole 8-byte chunks.
-constexpr size_t kShortToken = 56;
-
 // The mask that keeps the first `count` bytes (0 to 7) of an 8-byte chunk in memory order.
 inline uint64_t keepFirstBytes(size_t count) {
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
@@ -69,50 +66,6 @@ inline uint64_t keepFirstBytes(size_t count) {
 #else
     return (uint64_t{1} << (8 * count)) - 1;
 #endif
-}
-
-// Where a word slot's written part ends, given the mark of the reader's own writes. Two 8-byte probes
-// settle the usual case; text that callers wrote past the mark sends it to the full search.
-inline size_t slotExtent(const char* word, size_t size, size_t mark) {
-    if (mark + 16 <= size) {
-        uint64_t probe[2];
-        std::memcpy(probe, word + mark, sizeof probe);
-        if ((probe[0] | probe[1]) == 0) return mark;
-    }
-    return writtenExtent(word, size, mark);
-}
-
-// Copies a short token into a slot written up to `extent`, and zeroes whatever stood behind the
-// token before: the slot ends as if it had been cleared and the token copied. Copies whole 8-byte
-// chunks, so it reads up to 7 bytes past the token, which the line buffer always has.
-inline void storeShortToken(char* word, size_t extent, const char* token, size_t length) {
-    size_t done = 0;
-    for (; done + 8 <= length; done += 8) std::memcpy(word + done, token + done, 8);
-    uint64_t last;  // the rest of the token, its NUL and zeros
-    std::memcpy(&last, token + done, 8);
-    last &= keepFirstBytes(length - done);
-    std::memcpy(word + done, &last, 8);
-    const size_t written = done + 8;
-    if (extent > written) std::memset(word + written, 0, extent - written);
-}
-
-// Puts a token into a word slot with the same result as clearing the slot, copying the token in
-// (cut to the slot) and trimming it. `mark` is the slot's extent of the reader's own writes.
-inline void storeToken(char* word, uint16_t& mark, const char* token, size_t length) {
-    const size_t extent = slotExtent(word, DataLine::kWordSize, mark);
-    const size_t kept = std::min<size_t>(length, DataLine::kWordSize - 1);
-    if (kept <= kShortToken) {
-        storeShortToken(word, extent, token, kept);
-    } else {
-        std::memset(word, 0, extent);
-        std::memcpy(word, token, kept);
-        word[kept] = '\0';
-    }
-    mark = static_cast<uint16_t>(kept + 1);
-    // Tokens hold no separator but may hold other blanks; most need no trim at all.
-    if (kept > 0 && (!isGraphic(token[0]) || !isGraphic(token[kept - 1]))) {
-        Generic::RemoveLeadingAndTrailingBlanks(word);
-    }
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -141,23 +94,16 @@ public:
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(m_Bytes, byte)));
     }
     unsigned zeros() const { return equal(_mm_setzero_si128()); }
-    // Bit i set when the trim would take byte i away: blanks, control bytes, DEL and bytes from 128 up.
-    unsigned blanks() const {
-        // As signed bytes, everything from 128 up is below 0x21 too.
-        const __m128i low = _mm_cmplt_epi8(m_Bytes, _mm_set1_epi8(0x21));
-        const __m128i del = _mm_cmpeq_epi8(m_Bytes, _mm_set1_epi8(0x7f));
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(low, del)));
+    // Bit i set when the trim keeps byte i: printable ASCII other than the blank.
+    unsigned graphic() const {
+        // One more than a graphic byte is 0x22 to 0x7f, which as signed bytes are all above 0x21;
+        // one more than any other byte is 0x21 or less, or from 128 up, which counts as negative.
+        const __m128i kept = _mm_cmpgt_epi8(_mm_add_epi8(m_Bytes, _mm_set1_epi8(1)), _mm_set1_epi8(0x21));
+        return static_cast<unsigned>(_mm_movemask_epi8(kept));
     }
     bool allZero() const { return zeros() == 0xFFFF; }
     void store(char* target) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(target), m_Bytes); }
     static void zero(char* target) { _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_setzero_si128()); }
-    // Stores the first `count` bytes (under 16) of the block at `target`, and zeros up to 16 bytes.
-    void storeFirst(char* target, size_t count) const {
-        alignas(16) static const unsigned char kKeep[32] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff,
-                                                            0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff};
-        const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKeep + 16 - count));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm_and_si128(m_Bytes, keep));
-    }
 
 private:
     explicit Block16(__m128i bytes) : m_Bytes(bytes) {}
@@ -183,19 +129,14 @@ public:
         return bits;
     }
     unsigned zeros() const { return equal(0); }
-    unsigned blanks() const {
+    unsigned graphic() const {
         unsigned bits = 0;
-        for (unsigned i = 0; i < 16; ++i) bits |= unsigned{m_Bytes[i] <= 0x20 || m_Bytes[i] >= 0x7f} << i;
+        for (unsigned i = 0; i < 16; ++i) bits |= unsigned{m_Bytes[i] > 0x20 && m_Bytes[i] < 0x7f} << i;
         return bits;
     }
     bool allZero() const { return zeros() == 0xFFFF; }
     void store(char* target) const { std::memcpy(target, m_Bytes, sizeof m_Bytes); }
     static void zero(char* target) { std::memset(target, 0, 16); }
-    void storeFirst(char* target, size_t count) const {
-        unsigned char bytes[16] = {};
-        std::memcpy(bytes, m_Bytes, count);
-        std::memcpy(target, bytes, sizeof bytes);
-    }
 
 private:
     unsigned char m_Bytes[16];
@@ -203,7 +144,19 @@ private:
 
 #endif
 
-inline size_t lowestBit(uint64_t bits) { return static_cast<size_t>(__builtin_ctzll(bits)); }
+// The position of the lowest set bit of `bits`, which is not zero.
+inline size_t lowestBit(uint64_t bits) {
+#if defined(__GNUC__) && defined(__x86_64__)
+    // The builtin counts in an int, which the compiler then widens, and it clears the target first:
+    // four instructions of the thirty or so the cut spends per token. (This encoding counts the same
+    // on every x86-64 when bits is not zero.)
+    uint64_t position;
+    __asm__("rep bsfq %1, %0" : "=r"(position) : "rm"(bits) : "cc");
+    return position;
+#else
+    return static_cast<unsigned>(__builtin_ctzll(bits));
+#endif
+}
 
 // Position of the first NUL at or after `text`. Reads whole 64-byte steps, so the buffer must be
 // readable that far past the NUL, as the padded line buffer is. Steps that large take most lines in
@@ -266,6 +219,53 @@ inline void copyBytes(char* target, const char* source, size_t length) {
     }
 }
 
+// Tokens up to this length go into their slot in whole 8-byte chunks.
+constexpr size_t kShortToken = 56;
+
+// Where a word slot's written part ends, given the mark of the reader's own writes. Two 8-byte probes
+// settle the usual case; text that callers wrote past the mark sends it to the full search.
+inline size_t slotExtent(const char* word, size_t size, size_t mark) {
+    if (mark + 16 <= size) {
+        uint64_t probe[2];
+        std::memcpy(probe, word + mark, sizeof probe);
+        if ((probe[0] | probe[1]) == 0) return mark;
+    }
+    return writtenExtent(word, size, mark);
+}
+
+// Copies a short token into a slot written up to `extent`, and zeroes whatever stood behind the
+// token before: the slot ends as if it had been cleared and the token copied. Copies whole 8-byte
+// chunks, so it reads up to 7 bytes past the token, which the line buffer always has.
+inline void storeShortToken(char* word, size_t extent, const char* token, size_t length) {
+    size_t done = 0;
+    for (; done + 8 <= length; done += 8) std::memcpy(word + done, token + done, 8);
+    uint64_t last;  // the rest of the token, its NUL and zeros
+    std::memcpy(&last, token + done, 8);
+    last &= keepFirstBytes(length - done);
+    std::memcpy(word + done, &last, 8);
+    const size_t written = done + 8;
+    if (extent > written) std::memset(word + written, 0, extent - written);
+}
+
+// Puts a token into a word slot with the same result as clearing the slot, copying the token in
+// (cut to the slot) and trimming it. `mark` is the slot's extent of the reader's own writes.
+inline void storeToken(char* word, uint16_t& mark, const char* token, size_t length) {
+    const size_t extent = slotExtent(word, DataLine::kWordSize, mark);
+    const size_t kept = std::min<size_t>(length, DataLine::kWordSize - 1);
+    if (kept <= kShortToken) {
+        storeShortToken(word, extent, token, kept);
+    } else {
+        std::memset(word, 0, extent);
+        copyBytes(word, token, kept);
+        word[kept] = '\0';
+    }
+    mark = static_cast<uint16_t>(kept + 1);
+    // Tokens hold no separator but may hold other blanks; most need no trim at all.
+    if (kept > 0 && (!isGraphic(token[0]) || !isGraphic(token[kept - 1]))) {
+        Generic::RemoveLeadingAndTrailingBlanks(word);
+    }
+}
+
 // Zeroes a buffer as far as it may have been written (see writtenExtent) and resets its extent.
 // The usual line is short: then the first kQuickClear bytes are zeroed whatever the extent, with a
 // fixed run of stores, and the look past them stands in for the look past the extent, since a text
@@ -273,11 +273,28 @@ inline void copyBytes(char* target, const char* source, size_t length) {
 constexpr size_t kQuickClear = 128;
 
 // Zeroes `count` bytes through the C library. Ahead of an fgets into the same bytes its wide stores
-// measured faster than the run of 16-byte stores the compiler makes of a memset of known size.
-__attribute__((noinline, noclone)) void zeroBytes(char* bytes, size_t count) { std::memset(bytes, 0, count); }
+// measured faster than what the compiler makes of a memset whose size it knows (a run of 16-byte
+// stores, or a string instruction that is slow to start), so the size is hidden from it.
+inline void zeroBytes(char* bytes, size_t count) {
+#if defined(__GNUC__)
+    __asm__("" : "+r"(count));
+#endif
+    std::memset(bytes, 0, count);
+}
+
+// True when the kLookAhead bytes at `bytes` are all zero: the look past a short line, in one test.
+inline bool lookAheadIsZero(const char* bytes) {
+    static_assert(kLookAhead == 32, "four words");
+    uint64_t a, b, c, d;
+    std::memcpy(&a, bytes, 8);
+    std::memcpy(&b, bytes + 8, 8);
+    std::memcpy(&c, bytes + 16, 8);
+    std::memcpy(&d, bytes + 24, 8);
+    return ((a | b) | (c | d)) == 0;
+}
 
 inline void clearBuffer(char* buffer, size_t size, size_t& extent) {
-    if (extent <= kQuickClear && size >= kQuickClear + kLookAhead && allZero(buffer + kQuickClear, kLookAhead)) {
+    if (extent <= kQuickClear && size >= kQuickClear + kLookAhead && lookAheadIsZero(buffer + kQuickClear)) {
         zeroBytes(buffer, kQuickClear);
     } else {
         clearWritten(buffer, size, extent);
@@ -285,23 +302,22 @@ inline void clearBuffer(char* buffer, size_t size, size_t& extent) {
     extent = 0;
 }
 
-// fgets into `line` (of `size` bytes), noting how far the buffer was written and where the text
-// ends. False at end of file or on an error.
-inline bool readLine(FILE* stream, char* line, size_t size, size_t& extent, size_t& length) {
+// fgets into `line` (of `size` bytes). False at end of file or on an error, after which the
+// buffer's contents are unknown and `extent` says so.
+inline bool fgetsLine(FILE* stream, char* line, size_t size, size_t& extent) {
     if (stream == nullptr) return false;
-    // The reader is the only user of its stream while it reads, so the stream's lock buys nothing;
-    // taking it costs a tenth of the read itself.
+    // The reader is the only user of its stream while it reads, so it does without the stream's lock.
 #if defined(__GLIBC__)
     char* const got = fgets_unlocked(line, static_cast<int>(size), stream);
 #else
     char* const got = std::fgets(line, static_cast<int>(size), stream);
 #endif
-    if (got == nullptr) {
-        // After a read error the buffer's contents are unknown.
-        if (std::ferror(stream)) extent = size;
-        return false;
-    }
-    length = textLength(line);
+    if (got == nullptr && std::ferror(stream)) extent = size;
+    return got != nullptr;
+}
+
+// Notes how far fgets wrote, given the first NUL of the line at `length`.
+inline void noteLineWritten(const char* line, size_t size, size_t length, size_t& extent) {
     const bool endsAtLineFeed = length > 0 && line[length - 1] == '\n';
     const bool fillsBuffer = length == size - 1;
     if (endsAtLineFeed || fillsBuffer) {
@@ -311,6 +327,14 @@ inline bool readLine(FILE* stream, char* line, size_t size, size_t& extent, size
         // wrote; the next clear then takes the whole buffer.
         extent = size;
     }
+}
+
+// fgets into `line` (of `size` bytes), noting how far the buffer was written and where the text
+// ends. False at end of file or on an error.
+inline bool readLine(FILE* stream, char* line, size_t size, size_t& extent, size_t& length) {
+    if (!fgetsLine(stream, line, size, extent)) return false;
+    length = textLength(line);
+    noteLineWritten(line, size, length, extent);
     return true;
 }
 
@@ -337,13 +361,16 @@ inline bool sameText(const char* a, const char* b) {
 struct SeparatorSet {
     std::string text;
     unsigned count = 0;
-    unsigned char bytes[kFewSeparators] = {};
+    // The distinct bytes, each spread over a block; a smaller set fills the spare places with its
+    // first byte, which changes nothing.
+    Block16::Spread spread[kFewSeparators] = {};
     std::array<uint8_t, 256> table{};
 
     void assign(const char* separators) {
         text = separators;
         table.fill(0);
         count = 0;
+        unsigned char bytes[kFewSeparators] = {};
         for (const char* c = separators; *c != '\0'; ++c) {
             const unsigned char byte = static_cast<unsigned char>(*c);
             if (table[byte] != 0) continue;
@@ -351,6 +378,7 @@ struct SeparatorSet {
             if (count < kFewSeparators) bytes[count] = byte;
             ++count;
         }
+        for (unsigned i = 0; i < kFewSeparators; ++i) spread[i] = Block16::spread(bytes[i < count ? i : 0]);
     }
 };
 
@@ -359,8 +387,7 @@ template <unsigned Count>
 class SeparatorMatcher {
 public:
     explicit SeparatorMatcher(const SeparatorSet& set) {
-        // A smaller set fills the spare places with its first byte, which changes nothing.
-        for (unsigned i = 0; i < Count; ++i) m_Spread[i] = Block16::spread(set.bytes[i < set.count ? i : 0]);
+        for (unsigned i = 0; i < Count; ++i) m_Spread[i] = set.spread[i];
     }
     unsigned operator()(const Block16& block, const char*) const {
         unsigned bits = block.equal(m_Spread[0]);
@@ -369,7 +396,7 @@ public:
     }
 
 private:
-    typename Block16::Spread m_Spread[Count];
+    Block16::Spread m_Spread[Count];
 };
 
 template <>
@@ -382,53 +409,141 @@ public:
         return bits;
     }
 
-
 private:
     const uint8_t* m_Table;
 };
 
-// Where the separators of a line stand, and whether any token may need a trim of its own.
-struct LineSeparators {
-    static constexpr size_t kMaxBlocks = Generic::kTrimLimit / 16 + 4;
+// Bits for 64 bytes of text, byte 0 in bit 0: its NULs, its separators, and the bytes the trim
+// keeps (any other is a blank, a control byte, DEL or a byte from 128 up).
+struct ChunkBits {
+    uint64_t zeros;
+    uint64_t separators;
+    uint64_t graphic;
+};
 
-    // One bit per byte of the text, set at separators and from the end of the text on; whole chunks
-    // of four blocks.
-    uint16_t bits[kMaxBlocks];
+template <typename Matcher>
+__attribute__((always_inline)) inline ChunkBits lookAtChunk(const char* text, const Matcher& isSeparator) {
+    // Spelled out block by block: as a loop the compiler keeps the shifts variable.
+    const Block16 b0 = Block16::load(text);
+    const Block16 b1 = Block16::load(text + 16);
+    const Block16 b2 = Block16::load(text + 32);
+    const Block16 b3 = Block16::load(text + 48);
+    auto join = [](unsigned q0, unsigned q1, unsigned q2, unsigned q3) {
+        return uint64_t{q0} | uint64_t{q1} << 16 | uint64_t{q2} << 32 | uint64_t{q3} << 48;
+    };
+    return ChunkBits{join(b0.zeros(), b1.zeros(), b2.zeros(), b3.zeros()),
+                     join(isSeparator(b0, text), isSeparator(b1, text + 16), isSeparator(b2, text + 32),
+                          isSeparator(b3, text + 48)),
+                     join(b0.graphic(), b1.graphic(), b2.graphic(), b3.graphic())};
+}
+
+// Moves the bits of two chunks down by `count` (1 to 63) places, as the bytes they stand for.
+inline void shiftDown(ChunkBits (&seen)[2], size_t count) {
+    auto down = [count](uint64_t& low, uint64_t high) { low = (low >> count) | (high << (64 - count)); };
+    down(seen[0].zeros, seen[1].zeros);
+    down(seen[0].separators, seen[1].separators);
+    down(seen[0].graphic, seen[1].graphic);
+    seen[1].zeros >>= count;
+    seen[1].separators >>= count;
+    seen[1].graphic >>= count;
+}
+
+inline size_t highestBit(uint64_t bits) { return 63 - static_cast<unsigned>(__builtin_clzll(bits)); }
+
+// The bits below `count` (0 to 64).
+inline uint64_t bitsBelow(size_t count) { return count >= 64 ? ~uint64_t{0} : (uint64_t{1} << count) - 1; }
+
+// Where the separators of a trimmed line stand, and whether any token may need a trim of its own.
+struct LineSeparators {
+    static constexpr size_t kMaxChunks = Generic::kTrimLimit / 64 + 1;
+
+    // One bit per byte, set at separators and from the end of the text on.
+    uint64_t bits[kMaxChunks];
     size_t chunks = 0;
     // Some byte that is not a separator is one the trim would take away (a tab, a return, a byte
     // from 128 up), so a token may start or end with it.
     bool oddBytes = false;
 
-    // `text` holds `length` bytes (under 8192), readable 16 bytes further.
+    // Where tokens start in chunk `chunk`, given whether the chunk before ended at a separator.
+    uint64_t startsIn(size_t chunk, uint64_t& behind) const {
+        const uint64_t separators = bits[chunk];
+        // A token starts at a byte that is no separator and stands behind one; the start of the text
+        // counts as behind a separator.
+        const uint64_t starts = ~separators & ((separators << 1) | behind);
+        behind = separators >> 63;
+        return starts;
+    }
+
+    // Looks at the `length` bytes (under 8192) of `text`, readable 64 bytes further.
     template <typename Matcher>
     void find(const char* text, size_t length, const Matcher& isSeparator) {
-        const size_t fullBlocks = length / 16;
-        unsigned odd = 0;
-        for (size_t b = 0; b < fullBlocks; ++b) {
-            const char* bytes = text + 16 * b;
-            const Block16 block = Block16::load(bytes);
-            const unsigned separators = isSeparator(block, bytes);
-            bits[b] = static_cast<uint16_t>(separators);
-            odd |= block.blanks() & ~separators;
+        const size_t last = length / 64;
+        uint64_t odd = 0;
+        for (size_t chunk = 0; chunk <= last; ++chunk) {
+            const ChunkBits seen = lookAtChunk(text + 64 * chunk, isSeparator);
+            // What the trim left behind the text counts as separators.
+            const uint64_t separators = seen.separators | (chunk == last ? ~bitsBelow(length % 64) : 0);
+            bits[chunk] = separators;
+            odd |= ~(seen.graphic | separators);
         }
-        // The block that holds the end of the text; what the trim left behind it counts as separators.
-        const char* bytes = text + 16 * fullBlocks;
-        const Block16 block = Block16::load(bytes);
-        const unsigned separators = isSeparator(block, bytes) | (0xFFFFu << (length % 16));
-        bits[fullBlocks] = static_cast<uint16_t>(separators);
-        odd |= block.blanks() & ~separators;
-        size_t blocks = fullBlocks + 1;
-        while (blocks % 4 != 0) bits[blocks++] = 0xFFFF;
-        chunks = blocks / 4;
+        chunks = last + 1;
         oddBytes = odd != 0;
     }
 
-    // The bits of 64 bytes, byte 0 in bit 0.
-    uint64_t chunk(size_t index) const {
-        const uint16_t* four = bits + 4 * index;
-        return uint64_t{four[0]} | uint64_t{four[1]} << 16 | uint64_t{four[2]} << 32 | uint64_t{four[3]} << 48;
+    // The same from what a look at the first two chunks found, for a text of under 128 bytes.
+    void takeShort(const ChunkBits (&seen)[2], size_t length) {
+        bits[0] = seen[0].separators | ~bitsBelow(length);
+        bits[1] = seen[1].separators | ~bitsBelow(length < 64 ? 0 : length - 64);
+        chunks = 2;
+        oddBytes = (~(seen[0].graphic | bits[0]) | ~(seen[1].graphic | bits[1])) != 0;
     }
 };
+
+// Reads lines until one is not blank, trims it as Generic::RemoveLeadingAndTrailingBlanks would, but
+// for the NUL behind the trimmed text, which the caller writes, and finds its separators. `length`
+// is then the trimmed length. False at end of file.
+//
+// The usual line ends within 128 bytes: one look at them finds the end, the bytes to trim and the
+// separators, with no loop whose end would have to be guessed.
+template <typename Matcher>
+bool readLineToCut(FILE* stream, char* line, size_t size, size_t& extent, size_t& length, LineSeparators& found,
+                   const Matcher& isSeparator) {
+    while (fgetsLine(stream, line, size, extent)) {
+        ChunkBits seen[2] = {lookAtChunk(line, isSeparator), lookAtChunk(line + 64, isSeparator)};
+        if ((seen[0].zeros | seen[1].zeros) == 0) {
+            // A longer line takes the general steps.
+            length = 128 + textLength(line + 128);
+            noteLineWritten(line, size, length, extent);
+            if (!trimTextLeavingEnd(line, length)) continue;
+            found.find(line, length, isSeparator);
+            return true;
+        }
+        const size_t raw = seen[0].zeros != 0 ? lowestBit(seen[0].zeros) : 64 + lowestBit(seen[1].zeros);
+        noteLineWritten(line, size, raw, extent);
+        const uint64_t graphic[2] = {seen[0].graphic & bitsBelow(raw),
+                                     seen[1].graphic & bitsBelow(raw < 64 ? 0 : raw - 64)};
+        if ((graphic[0] | graphic[1]) == 0) {
+            line[0] = '\0';
+            continue;
+        }
+        const size_t first = graphic[0] != 0 ? lowestBit(graphic[0]) : 64 + lowestBit(graphic[1]);
+        const size_t last = graphic[1] != 0 ? 64 + highestBit(graphic[1]) : highestBit(graphic[0]);
+        length = last - first + 1;
+        if (first != 0) {
+            std::memmove(line, line + first, length);
+            if (first < 64) {
+                // The bits move with the text; reading the moved text again would wait for the move.
+                shiftDown(seen, first);
+            } else {
+                seen[0] = lookAtChunk(line, isSeparator);
+                seen[1] = lookAtChunk(line + 64, isSeparator);
+            }
+        }
+        found.takeShort(seen, length);
+        return true;
+    }
+    return false;
+}
 
 // Length of the token at `token`, which has `rest` bytes of text left, given the separators among
 // its first 16 bytes.
@@ -450,97 +565,74 @@ inline bool zero16(const char* bytes) {
 }
 
 // Stores a token that does not fit the quick way: 16 bytes or longer, or bound for a slot that
-// held a longer word or text behind the reader's back. Answers the token's length.
-template <typename Matcher>
-__attribute__((noinline)) size_t storeLongToken(char* word, uint16_t& mark, const char* token, size_t rest,
-                                                unsigned separators, const Matcher& isSeparator) {
-    const size_t size = tokenLength(token, rest, separators, isSeparator);
+// held a longer word or text behind the reader's back.
+__attribute__((noinline)) void storeLongToken(char* word, uint16_t& mark, const char* token, size_t size) {
     storeToken(word, mark, token, size);
-    return size;
 }
 
-// A token that ends at a separator before the end of the text has no end to watch for.
-constexpr size_t kNoEnd = ~size_t{0};
-
-// Stores the token at `token` into `word`, as a clear of the slot, a copy and a trim would, and
-// closes the token in the text with a NUL. With `AtEnd`, the token may run to the end of the text,
-// `rest` bytes on, where the block read holds what the trim left behind. Answers its length.
-template <bool OddBytes, bool AtEnd, typename Matcher>
-inline size_t storeTokenOfLine(char* token, size_t rest, char* word, uint16_t& mark, const Matcher& isSeparator) {
-    const Block16 head = Block16::load(token);
-    const unsigned ahead = isSeparator(head, token);
-    // Bit 16 stands for a token of 16 bytes or more.
-    size_t size = lowestBit(ahead | 0x10000u);
-    if (AtEnd) size = std::min(size, rest);
+// Stores the token of `size` bytes at `token` into `word`, as a clear of the slot, a copy and a
+// trim would, and closes the token in the text with a NUL.
+template <bool OddBytes>
+inline void storeTokenOfLine(char* token, size_t size, char* word, uint16_t& mark) {
     // The usual token is short and lands in a slot that held a short word, with nothing written
-    // behind it: one 16-byte store leaves the slot as a clear and a copy would.
+    // behind it: the 16 bytes at the token and 16 zeros from its end leave the slot as a clear and a
+    // copy would. The zeros may run into bytes 16 to 31, which are zero already.
     if (__builtin_expect((size < 16) & (mark <= 16), 1) && __builtin_expect(zero16(word + 16), 1)) {
-        head.storeFirst(word, size);
+        Block16::load(token).store(word);
+        Block16::zero(word + size);
         mark = static_cast<uint16_t>(size + 1);
         if (OddBytes && (!isGraphic(token[0]) || !isGraphic(token[size - 1]))) {
             Generic::RemoveLeadingAndTrailingBlanks(word);
         }
     } else {
-        size = storeLongToken(word, mark, token, rest, ahead, isSeparator);
+        storeLongToken(word, mark, token, size);
     }
     // Tokens go in order, so a NUL lands only behind what has been read: a block read across a byte
     // just written would wait until that write is done.
     token[size] = '\0';
-    return size;
-}
-
-// Where tokens start in chunk `chunk`, given whether the chunk before ended at a separator.
-inline uint64_t tokenStartsOf(const LineSeparators& found, size_t chunk, uint64_t& behind) {
-    const uint64_t separators = found.chunk(chunk);
-    // A token starts at a byte that is no separator and stands behind one; the start of the text
-    // counts as behind a separator.
-    const uint64_t starts = ~separators & ((separators << 1) | behind);
-    behind = separators >> 63;
-    return starts;
 }
 
 // Stores every token of the text, in order, into the slots from 0 on, closes each in the text with
 // a NUL, and closes the text. Answers the number stored. With `OddBytes`, looks at the ends of each
-// token for bytes the trim takes away. The text holds fewer tokens than there are slots. Kept out of
-// line so that the loop has the registers to itself.
-template <bool OddBytes, typename Matcher>
+// token for bytes the trim takes away. The text holds no more tokens than there are slots. Kept out
+// of line so that the loop has the registers to itself.
+template <bool OddBytes>
 __attribute__((noinline)) unsigned cutTokens(char* text, size_t length, const LineSeparators& found,
-                                             const Matcher isSeparator, char* const* slots, uint16_t* marks) {
-    // Every token but the last ends at a separator inside the text; the last is stored on its own,
-    // so that the loop need not watch for the end of the text.
-    size_t lastChunk = found.chunks;
-    uint64_t lastStarts = 0;
-    {
-        uint64_t behind = 1;
-        for (size_t chunk = 0; chunk < found.chunks; ++chunk) {
-            const uint64_t starts = tokenStartsOf(found, chunk, behind);
-            if (starts != 0) {
-                lastChunk = chunk;
-                lastStarts = starts;
-            }
-        }
-    }
-    if (lastChunk == found.chunks) {
-        text[length] = '\0';
-        return 0;
-    }
-    const size_t lastStart = 64 * lastChunk + (63 - static_cast<size_t>(__builtin_clzll(lastStarts)));
-
+                                             char* const* slots, uint16_t* marks) {
     size_t index = 0;
-    uint64_t behind = 1;
-    for (size_t chunk = 0; chunk <= lastChunk; ++chunk) {
-        uint64_t starts = tokenStartsOf(found, chunk, behind);
-        if (chunk == lastChunk) starts &= ~(uint64_t{1} << (lastStart % 64));
-        char* const base = text + 64 * chunk;
-        for (; starts != 0; starts &= starts - 1) {
-            storeTokenOfLine<OddBytes, false>(base + lowestBit(starts), kNoEnd, slots[index], marks[index],
-                                              isSeparator);
+    uint64_t behind = 1;  // the start of the text counts as behind a separator
+    size_t pending = 0;   // a token that runs on into the next chunk starts here
+    bool open = false;
+    for (size_t chunk = 0; chunk < found.chunks; ++chunk) {
+        const uint64_t separators = found.bits[chunk];
+        // A token starts at a byte that is no separator and stands behind one, and ends at a
+        // separator that stands behind a byte that is none. Starts and ends take turns, and the
+        // bits from the end of the text on are separators, so every token ends.
+        const uint64_t behindSeparator = (separators << 1) | behind;
+        behind = separators >> 63;
+        uint64_t starts = ~separators & behindSeparator;
+        uint64_t ends = separators & ~behindSeparator;
+        const size_t base = 64 * chunk;
+        if (open && ends != 0) {
+            const size_t end = base + lowestBit(ends);
+            ends &= ends - 1;
+            storeTokenOfLine<OddBytes>(text + pending, end - pending, slots[index], marks[index]);
+            ++index;
+            open = false;
+        }
+        char* const chunkText = text + base;
+        for (; ends != 0; ends &= ends - 1, starts &= starts - 1) {
+            const size_t start = lowestBit(starts);
+            storeTokenOfLine<OddBytes>(chunkText + start, lowestBit(ends) - start, slots[index], marks[index]);
             ++index;
         }
+        if (starts != 0) {
+            pending = base + lowestBit(starts);
+            open = true;
+        }
     }
-    storeTokenOfLine<OddBytes, true>(text + lastStart, length - lastStart, slots[index], marks[index], isSeparator);
     text[length] = '\0';
-    return static_cast<unsigned>(index + 1);
+    return static_cast<unsigned>(index);
 }
 
 // The same for a text that may hold more tokens than there are slots: stops at the first token
@@ -553,7 +645,7 @@ __attribute__((noinline)) unsigned cutManyTokens(char* text, size_t length, cons
     unsigned index = 0;
     uint64_t behind = 1;
     for (size_t chunk = 0; chunk < found.chunks && complete; ++chunk) {
-        for (uint64_t starts = tokenStartsOf(found, chunk, behind); starts != 0; starts &= starts - 1) {
+        for (uint64_t starts = found.startsIn(chunk, behind); starts != 0; starts &= starts - 1) {
             const size_t start = 64 * chunk + lowestBit(starts);
             char* const token = text + start;
             if (index == DataLine::kWordSlots) {
@@ -562,7 +654,9 @@ __attribute__((noinline)) unsigned cutManyTokens(char* text, size_t length, cons
                 complete = false;
                 break;
             }
-            storeTokenOfLine<true, true>(token, length - start, slots[index], marks[index], isSeparator);
+            const unsigned ahead = isSeparator(Block16::load(token), token);
+            storeTokenOfLine<true>(token, tokenLength(token, length - start, ahead, isSeparator), slots[index],
+                                   marks[index]);
             ++index;
         }
     }
@@ -570,17 +664,18 @@ __attribute__((noinline)) unsigned cutManyTokens(char* text, size_t length, cons
     return index;
 }
 
-// Finds and stores the tokens of a trimmed line of `length` bytes.
+// Stores the tokens of a trimmed line of `length` bytes whose separators are found.
 template <typename Matcher>
-unsigned cutTokensOf(char* text, size_t length, LineSeparators& found, const Matcher& isSeparator, char* const* slots,
-                 uint16_t* marks, bool& complete) {
-    found.find(text, length, isSeparator);
-    complete = true;
+unsigned cutFoundTokens(char* text, size_t length, const LineSeparators& found, const Matcher& isSeparator,
+                        char* const* slots, uint16_t* marks, bool& complete) {
     // A token and its separator take two bytes, so only a line longer than twice the slots can
     // hold more tokens than there are slots.
-    if (length > 2 * DataLine::kWordSlots) return cutManyTokens(text, length, found, isSeparator, slots, marks, complete);
-    if (found.oddBytes) return cutTokens<true>(text, length, found, isSeparator, slots, marks);
-    return cutTokens<false>(text, length, found, isSeparator, slots, marks);
+    complete = true;
+    if (length > 2 * DataLine::kWordSlots) {
+        return cutManyTokens(text, length, found, isSeparator, slots, marks, complete);
+    }
+    if (found.oddBytes) return cutTokens<true>(text, length, found, slots, marks);
+    return cutTokens<false>(text, length, found, slots, marks);
 }
 
 }  // namespace
@@ -589,7 +684,7 @@ unsigned cutTokensOf(char* text, size_t length, LineSeparators& found, const Mat
 // parsed forms of the last separator set and end keyword list. Copies of a reader share all of it.
 struct DataLine::Buffers {
     Buffers()
-        : line(new char[kLineSize + kLinePadding]()),
+        : lineStorage(new char[kLineSize + kLinePadding + kCacheLine]()),
           wordPointers(kWordSlots),
           wordExtent(kWordSlots, 0),
           fixedPointers(kFixedSlots),
@@ -598,9 +693,10 @@ struct DataLine::Buffers {
         // cache lines apart: the slots of a line's words then fall into different sets of the cache
         // instead of crowding a few, as slots about 2 KiB apart do.
         wordStorage.reset(new char[kWordSlots * kWordStride + kCacheLine]());
-        const uintptr_t base = reinterpret_cast<uintptr_t>(wordStorage.get());
-        char* const first = wordStorage.get() + ((kCacheLine - base % kCacheLine) % kCacheLine);
+        char* const first = alignToCacheLine(wordStorage.get());
         for (unsigned slot = 0; slot < kWordSlots; ++slot) wordPointers[slot] = first + slot * kWordStride;
+        // The line starts on a cache line too: fgets copies into it in whole cache lines.
+        line = alignToCacheLine(lineStorage.get());
         fixedStorage.reserve(kFixedSlots);
         for (unsigned slot = 0; slot < kFixedSlots; ++slot) {
             fixedStorage.emplace_back(new char[kFixedSize]());
@@ -649,10 +745,9 @@ struct DataLine::Buffers {
         endKeysValid = true;
     }
 
-    // False when `text` cannot start with a keyword of `endKeywords`: most lines start with a byte
-    // that begins none, and need no comparison at all.
-    bool mayBeEndKeyword(const char* endKeywords, const char* text) {
-        useEndKeywords(endKeywords);
+    // False when `text` cannot start with a keyword of the list last used: most lines start with a
+    // byte that begins none, and need no comparison at all.
+    bool mayStartEndKeyword(const char* text) const {
         return endKeysMatchAll || endKeyFirstBytes[static_cast<unsigned char>(text[0])];
     }
 
@@ -674,30 +769,69 @@ struct DataLine::Buffers {
         return separatorSet;
     }
 
-    // The cut of strtok over the trimmed line of `lineLength` bytes, each token into the next slot:
-    // a run of separators counts as one, leading separators are skipped, and the first separator
-    // behind each token becomes a NUL in the line, as does the byte behind the line. Answers the
-    // number of tokens stored.
-    unsigned cutLine(char* text, char* const* slots, const char* separators) {
-        const size_t length = lineLength;
-        const SeparatorSet& set = useSeparators(separators);
-        uint16_t* const marks = wordExtent.data();
-        unsigned stored = 0;
-        bool complete = true;
+    // Reads the next line that is not blank into `text`, trims it but for the NUL behind it, which
+    // the caller writes, and finds its separators for cutTokens. False at end of file.
+    bool readLineToCut(FILE* stream, char* text, const SeparatorSet& set) {
+        // One copy of the steps for each kind of separator set, chosen once per line.
         switch (set.count) {
-            case 1: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<1>(set), slots, marks, complete); break;
-            case 2: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<2>(set), slots, marks, complete); break;
+            case 1: return readLineToCutWith(stream, text, SeparatorMatcher<1>(set));
+            case 2: return readLineToCutWith(stream, text, SeparatorMatcher<2>(set));
             case 3:
-            case 4: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<4>(set), slots, marks, complete); break;
-            default: stored = cutTokensOf(text, length, separatorsOfLine, SeparatorMatcher<0>(set), slots, marks, complete); break;
+            case 4: return readLineToCutWith(stream, text, SeparatorMatcher<4>(set));
+            default: return readLineToCutWith(stream, text, SeparatorMatcher<0>(set));
+        }
+    }
+
+    template <typename Matcher>
+    bool readLineToCutWith(FILE* stream, char* text, const Matcher& isSeparator) {
+        return ::readLineToCut(stream, text, kLineSize, lineExtent, lineLength, separatorsOfLine, isSeparator);
+    }
+
+    // The cut of strtok over the trimmed line of `lineLength` bytes whose separators are found, each
+    // token into the next slot: a run of separators counts as one, leading separators are skipped,
+    // and the first separator behind each token becomes a NUL in the line, as does the byte behind
+    // the line. Answers the number of tokens stored.
+    unsigned cutTokens(char* text, char* const* slots, const SeparatorSet& set) {
+        bool complete = true;
+        unsigned stored = 0;
+        switch (set.count) {
+            case 1: stored = cutTokensWith(text, slots, SeparatorMatcher<1>(set), complete); break;
+            case 2: stored = cutTokensWith(text, slots, SeparatorMatcher<2>(set), complete); break;
+            case 3:
+            case 4: stored = cutTokensWith(text, slots, SeparatorMatcher<4>(set), complete); break;
+            default: stored = cutTokensWith(text, slots, SeparatorMatcher<0>(set), complete); break;
         }
         // Leave strtok's hidden position where a strtok loop over the line would have left it; a loop
         // that stopped at the last slot leaves it behind that token, as it stands already.
-        if (complete) std::strtok(text + length, separators);
+        if (complete) std::strtok(text + lineLength, set.text.c_str());
         return stored;
     }
 
-    std::unique_ptr<char[]> line;
+    template <typename Matcher>
+    unsigned cutTokensWith(char* text, char* const* slots, const Matcher& isSeparator, bool& complete) {
+        return cutFoundTokens(text, lineLength, separatorsOfLine, isSeparator, slots, wordExtent.data(), complete);
+    }
+
+    // The same for the trimmed line as it stands.
+    unsigned cutLine(char* text, char* const* slots, const char* separators) {
+        const SeparatorSet& set = useSeparators(separators);
+        switch (set.count) {
+            case 1: separatorsOfLine.find(text, lineLength, SeparatorMatcher<1>(set)); break;
+            case 2: separatorsOfLine.find(text, lineLength, SeparatorMatcher<2>(set)); break;
+            case 3:
+            case 4: separatorsOfLine.find(text, lineLength, SeparatorMatcher<4>(set)); break;
+            default: separatorsOfLine.find(text, lineLength, SeparatorMatcher<0>(set)); break;
+        }
+        return cutTokens(text, slots, set);
+    }
+
+    static char* alignToCacheLine(char* bytes) {
+        const uintptr_t address = reinterpret_cast<uintptr_t>(bytes);
+        return bytes + (kCacheLine - address % kCacheLine) % kCacheLine;
+    }
+
+    std::unique_ptr<char[]> lineStorage;
+    char* line = nullptr;
     // Every byte of `line` at or past this offset is zero, as far as the reader's own writes go.
     size_t lineExtent = 0;
     static constexpr size_t kCacheLine = 64;
@@ -737,7 +871,7 @@ DataLine::DataLine(FILE* stream_)
       values(nullptr),
       stream(stream_),
       m_Buffers(std::make_shared<Buffers>()) {
-    line = m_Buffers->line.get();
+    line = m_Buffers->line;
     words = m_Buffers->wordPointers.data();
     fixedWords = m_Buffers->fixedPointers.data();
     values = m_Buffers->values.get();
@@ -786,7 +920,6 @@ void DataLine::copyIntoWord(unsigned slot, const char* text, size_t length) {
     noteWordWritten(slot, length + 1);
 }
 
-
 bool DataLine::readLineIntoBuffer() {
     return readLine(stream, line, kLineSize, m_Buffers->lineExtent, m_Buffers->lineLength);
 }
@@ -803,7 +936,9 @@ bool DataLine::IsEndOfKeyWord(const std::vector<std::string>& endKeys, const cha
 }
 
 bool DataLine::atEndKeyword(const char* endKeywords) {
-    return endKeywords != nullptr && m_Buffers->mayBeEndKeyword(endKeywords, line) && m_Buffers->atEndKeyword(line);
+    if (endKeywords == nullptr) return false;
+    m_Buffers->useEndKeywords(endKeywords);
+    return m_Buffers->mayStartEndKeyword(line) && m_Buffers->atEndKeyword(line);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -894,36 +1029,45 @@ char** DataLine::readNextCardAsWords(unsigned& n, const char* separators, const 
         return nullptr;
     }
     if (separators == nullptr) separators = kDefaultSeparators;
+    // The keyword list is taken before the line is read, as the steps have it; checking that the
+    // kept list still holds does not wait for the line.
+    if (endKeywords != nullptr) buffers.useEndKeywords(endKeywords);
     flags = 0;
     // The NUL behind the trimmed line goes in last, once the line has been read: a block read
     // across a byte just written waits for that write.
+    const bool cut = n >= 2;
+    const SeparatorSet* const set = cut ? &buffers.useSeparators(separators) : nullptr;
     size_t& length = buffers.lineLength;
-    if (readNonBlankLine<false>(stream, line, kLineSize, buffers.lineExtent, length)) {
-        if (endKeywords != nullptr && buffers.mayBeEndKeyword(endKeywords, line) &&
-            (line[length] = '\0', buffers.atEndKeyword(line))) {
+    const bool got = cut ? buffers.readLineToCut(stream, line, *set)
+                         : readNonBlankLine<false>(stream, line, kLineSize, buffers.lineExtent, length);
+    if (got) {
+        bool atEnd = false;
+        if (endKeywords != nullptr && buffers.mayStartEndKeyword(line)) {
+            line[length] = '\0';
+            atEnd = buffers.atEndKeyword(line);
+        }
+        if (atEnd) {
             // The end line stays in `line` for a caller that wants to look at it.
             n = 0;
             flags |= 1u << kEndFlagBit;
+        } else if (!cut) {
+            // One wanted word is the whole line; the slot keeps whatever lies behind the NUL.
+            const size_t kept = std::min<size_t>(length, kWordSize - 1);
+            copyBytes(words[0], line, kept);
+            words[0][kept] = '\0';
+            uint16_t& mark = buffers.wordExtent[0];
+            mark = std::max(mark, static_cast<uint16_t>(kept + 1));
+            line[length] = '\0';
+            wordCount = 1;
         } else {
-            wordCount = 0;
-            if (n < 2) {
-                // One wanted word is the whole line; the slot keeps whatever lies behind the NUL.
-                const size_t kept = std::min<size_t>(length, kWordSize - 1);
-                copyBytes(words[0], line, kept);
-                words[0][kept] = '\0';
-                uint16_t& mark = buffers.wordExtent[0];
-                mark = std::max(mark, static_cast<uint16_t>(kept + 1));
-                line[length] = '\0';
-                wordCount = 1;
-            } else {
-                // Closes the line too.
-                wordCount = buffers.cutLine(line, words, separators);
-                n = wordCount;
-            }
+            // Closes the line too.
+            wordCount = buffers.cutTokens(line, words, *set);
+            n = wordCount;
         }
     }
-    // At end of file this is what tells the caller to stop; the end flag stays clear.
-    if (line[0] == '\0') n = 0;
+    // At end of file this is what tells the caller to stop; the end flag stays clear. A line that
+    // was read is not empty: the trim left a byte, and strtok puts no NUL at the start.
+    if (!got && line[0] == '\0') n = 0;
     return words;
 }
 

@@ -7,8 +7,9 @@
 #   scripts/fuzz.sh build            build only
 #   scripts/fuzz.sh repro FILE...    run the target once over each FILE (a crash input)
 #
-# Seeds: every file of the sample corpus (../shared/corpus, or $QUILLON_CORPUS_DIR), copied into
-# build-fuzz/seeds at each run, and the fixed crash inputs of tests/fuzz/regressions/.
+# Seeds: every file of the sample corpus (../shared/corpus, or $QUILLON_CORPUS_DIR) copied into
+# build-fuzz/seeds at each run, the same files with lines at the reader's limits put in
+# (tests/fuzz/edge_seeds.py), and the fixed crash inputs of tests/fuzz/regressions/.
 # Findings are written to build-fuzz/artifacts/. See docs/fuzzing.md.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -31,6 +32,8 @@ seeds() {
   mkdir -p "$dir/seeds"
   if [ -d "$corpus_src" ]; then
     cp "$corpus_src"/* "$dir/seeds/"
+    # The sample files again with lines at the reader's limits behind each kind of keyword.
+    python3 tests/fuzz/edge_seeds.py "$dir/seeds" "$corpus_src"/*.mat
   else
     echo "fuzz.sh: no sample corpus at $corpus_src; starting from the regressions alone" >&2
   fi

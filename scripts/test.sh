@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every test: the optimised build, then the same suites under ASan+UBSan.
+# Runs every test: the optimised build, then the same suites under ASan+UBSan, then a short fuzz run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -13,4 +13,7 @@ for kind in release asan; do
   ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     ctest --test-dir "$dir" --output-on-failure -j "$jobs" || status=1
 done
+# Last: one minute of the libFuzzer target over the import road, built with clang (docs/fuzzing.md).
+echo "== fuzz (smoke)"
+scripts/fuzz.sh smoke || status=1
 exit $status

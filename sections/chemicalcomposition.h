@@ -18,5 +18,3 @@ class QUILLON_API ChemicalComposition : public ImportBase {
   // "0.50 % Si"
   void readCompositionWithMax();
 };
-
-QUILLON_API unsigned runChemicalCompositionImport(DataLine* dataLine, ImportObject* importObject);

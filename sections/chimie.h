@@ -13,5 +13,3 @@ class QUILLON_API Chimie : public ImportBase {
   unsigned importChimie();
   void readChimieInfo();
 };
-
-QUILLON_API unsigned runChimieImport(DataLine* dataLine, ImportObject* importObject);

@@ -22,5 +22,3 @@ class QUILLON_API Composition : public ImportBase {
   // The line just read; it decides whether the line is an element.
   std::string lastLine;
 };
-
-QUILLON_API unsigned runCompositionImport(DataLine* dataLine, ImportObject* importObject);

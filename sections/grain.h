@@ -16,5 +16,3 @@ class QUILLON_API Grain : public ImportBase {
   unsigned importGrain();
   void readGRAINDetails();
 };
-
-QUILLON_API unsigned runGrainImport(DataLine* dataLine, ImportObject* importObject);

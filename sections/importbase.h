@@ -88,3 +88,17 @@ QUILLON_API unsigned runMaterialDetailsImport(DataLine* dataLine, ImportObject* 
 QUILLON_API unsigned runMatClassImport(DataLine* dataLine, ImportObject* importObject);
 QUILLON_API unsigned runMaterialTypeImport(DataLine* dataLine, ImportObject* importObject);
 QUILLON_API unsigned runDefMaterialImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runChemicalCompositionImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runChimieImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runCompositionImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runGrainImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runInitialHardnessImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runMateriauxImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runMatLabelsImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runMatTablesImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runMetallurgyImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runMetallurgyTableImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runPhaseInfoImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runPhaseInfoIfWireImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runPhasesImport(DataLine* dataLine, ImportObject* importObject);
+QUILLON_API unsigned runReactionImport(DataLine* dataLine, ImportObject* importObject);

@@ -14,5 +14,3 @@ class QUILLON_API InitialHardness : public ImportBase {
   unsigned importInitialHardness();
   void readHardnessInfo();
 };
-
-QUILLON_API unsigned runInitialHardnessImport(DataLine* dataLine, ImportObject* importObject);

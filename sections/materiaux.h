@@ -28,5 +28,3 @@ class QUILLON_API Materiaux : public ImportBase {
 
 // The split of a variable line held in word 0, which "MATERIAL" blocks share.
 QUILLON_API const LineStep& SplitLineDataStep();
-
-QUILLON_API unsigned runMateriauxImport(DataLine* dataLine, ImportObject* importObject);

@@ -22,5 +22,3 @@ class QUILLON_API MatLabels : public ImportBase {
   // The line just read.
   std::string lastLine;
 };
-
-QUILLON_API unsigned runMatLabelsImport(DataLine* dataLine, ImportObject* importObject);

@@ -44,5 +44,3 @@ class QUILLON_API MatTables : public ImportBase {
   // Empties the word the step has used up.
   void emptyUsedWord(const MatTablesStep& step);
 };
-
-QUILLON_API unsigned runMatTablesImport(DataLine* dataLine, ImportObject* importObject);

@@ -23,5 +23,3 @@ class QUILLON_API Metallurgy : public ImportBase {
   // The line just read.
   std::string lastLine;
 };
-
-QUILLON_API unsigned runMetallurgyImport(DataLine* dataLine, ImportObject* importObject);

@@ -36,5 +36,3 @@ class QUILLON_API MetallurgyTable : public ImportBase {
  private:
   bool runTableStep(const MetallurgyTableStep& step);
 };
-
-QUILLON_API unsigned runMetallurgyTableImport(DataLine* dataLine, ImportObject* importObject);

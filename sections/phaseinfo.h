@@ -19,5 +19,3 @@ class QUILLON_API PhaseInfo : public ImportBase {
   // The line just read; a share line starts with a digit.
   std::string lastLine;
 };
-
-QUILLON_API unsigned runPhaseInfoImport(DataLine* dataLine, ImportObject* importObject);

@@ -20,5 +20,3 @@ class QUILLON_API PhaseInfoIfWire : public ImportBase {
   // The line just read; a share line starts with a digit.
   std::string lastLine;
 };
-
-QUILLON_API unsigned runPhaseInfoIfWireImport(DataLine* dataLine, ImportObject* importObject);

@@ -21,5 +21,3 @@ class QUILLON_API Phases : public ImportBase {
   // The line just read; a phase line starts with a digit or with "Phase".
   std::string lastLine;
 };
-
-QUILLON_API unsigned runPhasesImport(DataLine* dataLine, ImportObject* importObject);

@@ -36,5 +36,3 @@ class QUILLON_API Reaction : public ImportBase {
 // a martensite line.  The tests look anywhere in the line.
 enum class ReactionLineKind { Continued, NoState, WithState, Martensite };
 QUILLON_API ReactionLineKind ClassifyReactionLine(const char* line);
-
-QUILLON_API unsigned runReactionImport(DataLine* dataLine, ImportObject* importObject);

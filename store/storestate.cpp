@@ -115,7 +115,7 @@ void ResetFacade(StoreState& state) {
   state.reportedWords.clear();
   DomFreeDocument(state.document);
   state.document = nullptr;
-  state.documentText.clear();
+  state.documentFingerprint.clear();
   state.activeMaterialName.clear();
   state.cardsetIDMap.clear();
 }

@@ -75,7 +75,7 @@ struct StoreState {
   std::set<std::string> reportedWords;
 
   void* document = nullptr;  // the last document handed out
-  std::string documentText;  // that document as built, before any edit
+  std::string documentFingerprint;  // of that document as built, before any edit
 
   // Export side.
   Mapping exportMapping;

@@ -253,6 +253,29 @@ TEST_F(Database, ChangedRecordsGiveAFreshDocument) {
   EXPECT_EQ("Added_later", Attribute(records.GetNode(3), "ID"));
 }
 
+TEST_F(Database, AChangeOfOneAttributeValueGivesAFreshDocument) {
+  FillStore();
+  void* first = nullptr;
+  OrvaneStaticVars::GetXMLDocument(&first);
+  OrvaneMLRecordMaterial* material = nullptr;
+  for (OrvaneMLRecordMaterial* candidate : OrvaneStaticVars::GetMaterials())
+    if (candidate != nullptr && std::string(candidate->GetID()) == "Steel_S355") material = candidate;
+  ASSERT_NE(nullptr, material);
+  ASSERT_FALSE(material->m_Metadata.empty());
+  // Same records, same length of text: only the bytes of one attribute differ.
+  material->m_Metadata[0]->SetOwnerName("Halverm");
+  void* second = nullptr;
+  OrvaneStaticVars::GetXMLDocument(&second);
+  ASSERT_NE(first, second);
+  XMLObject metadata(DomGetRootElement(second), "Metadata");
+  ASSERT_EQ(1, metadata.GetCount());
+  EXPECT_EQ("Halverm", Attribute(metadata.GetNode(0), "OwnerName"));
+  // And asked again with nothing changed, the same document comes back.
+  void* third = nullptr;
+  OrvaneStaticVars::GetXMLDocument(&third);
+  EXPECT_EQ(second, third);
+}
+
 TEST_F(Database, NoDocumentIsWrittenThroughANullPointer) {
   OrvaneStaticVars::GetXMLDocument(nullptr);
   void* document = nullptr;

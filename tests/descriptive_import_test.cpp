@@ -2,6 +2,7 @@
 // driver, and what they leave in the store's document and saved database.
 
 #include <gtest/gtest.h>
+#include "xpath_test_support.h"
 
 #include <libxml/tree.h>
 #include <libxml/xpath.h>
@@ -50,19 +51,7 @@ const Reader kDescriptiveReaders[] = {
 
 // The texts of the nodes (elements or attributes) an XPath expression selects.
 std::vector<std::string> Select(void* document, const std::string& path) {
-  std::vector<std::string> texts;
-  xmlXPathContextPtr context = xmlXPathNewContext(static_cast<xmlDocPtr>(document));
-  xmlXPathObjectPtr result = xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context);
-  if (result != nullptr && result->nodesetval != nullptr) {
-    for (int i = 0; i < result->nodesetval->nodeNr; ++i) {
-      xmlChar* text = xmlNodeGetContent(result->nodesetval->nodeTab[i]);
-      texts.push_back(text != nullptr ? reinterpret_cast<const char*>(text) : "");
-      xmlFree(text);
-    }
-  }
-  xmlXPathFreeObject(result);
-  xmlXPathFreeContext(context);
-  return texts;
+  return xpathtest::SelectTexts(document, path);
 }
 
 std::string One(void* document, const std::string& path) {

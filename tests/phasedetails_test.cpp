@@ -3,6 +3,7 @@
 // the grouping of thermal strain conditions.
 
 #include <gtest/gtest.h>
+#include "xpath_test_support.h"
 #include <libxml/parser.h>
 #include <libxml/relaxng.h>
 #include <libxml/tree.h>
@@ -42,16 +43,7 @@ class Document {
 
   xmlDocPtr get() const { return m_Doc; }
 
-  std::vector<xmlNodePtr> Select(const std::string& path) const {
-    std::vector<xmlNodePtr> nodes;
-    xmlXPathContextPtr context = xmlXPathNewContext(m_Doc);
-    xmlXPathObjectPtr result = xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context);
-    if (result != nullptr && result->nodesetval != nullptr)
-      for (int i = 0; i < result->nodesetval->nodeNr; ++i) nodes.push_back(result->nodesetval->nodeTab[i]);
-    xmlXPathFreeObject(result);
-    xmlXPathFreeContext(context);
-    return nodes;
-  }
+  std::vector<xmlNodePtr> Select(const std::string& path) const { return xpathtest::SelectNodes(m_Doc, path); }
 
   xmlNodePtr One(const std::string& path) const {
     std::vector<xmlNodePtr> nodes = Select(path);

@@ -3,6 +3,7 @@
 // grain line of the file found in it.
 
 #include <gtest/gtest.h>
+#include "xpath_test_support.h"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -65,21 +66,7 @@ class XmlFile {
 
   bool Loaded() const { return m_Document != nullptr; }
 
-  Strings Select(const std::string& path) const {
-    Strings texts;
-    xmlXPathContextPtr context = xmlXPathNewContext(m_Document);
-    xmlXPathObjectPtr result = xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context);
-    if (result != nullptr && result->nodesetval != nullptr) {
-      for (int i = 0; i < result->nodesetval->nodeNr; ++i) {
-        xmlChar* text = xmlNodeGetContent(result->nodesetval->nodeTab[i]);
-        texts.push_back(text != nullptr ? reinterpret_cast<const char*>(text) : "");
-        xmlFree(text);
-      }
-    }
-    xmlXPathFreeObject(result);
-    xmlXPathFreeContext(context);
-    return texts;
-  }
+  Strings Select(const std::string& path) const { return xpathtest::SelectTexts(m_Document, path); }
 
   std::string One(const std::string& path) const {
     Strings texts = Select(path);

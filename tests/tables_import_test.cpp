@@ -5,6 +5,7 @@
 // written here without the library.
 
 #include <gtest/gtest.h>
+#include "xpath_test_support.h"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -175,25 +176,11 @@ class Database {
   bool Loaded() const { return m_Document != nullptr; }
 
   std::vector<xmlNodePtr> Nodes(const std::string& path, xmlNodePtr from = nullptr) const {
-    std::vector<xmlNodePtr> nodes;
-    xmlXPathContextPtr context = xmlXPathNewContext(m_Document);
-    if (from != nullptr) context->node = from;
-    xmlXPathObjectPtr result = xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context);
-    if (result != nullptr && result->nodesetval != nullptr)
-      for (int i = 0; i < result->nodesetval->nodeNr; ++i) nodes.push_back(result->nodesetval->nodeTab[i]);
-    xmlXPathFreeObject(result);
-    xmlXPathFreeContext(context);
-    return nodes;
+    return xpathtest::SelectNodes(m_Document, path, from);
   }
 
   std::vector<std::string> Texts(const std::string& path, xmlNodePtr from = nullptr) const {
-    std::vector<std::string> texts;
-    for (xmlNodePtr node : Nodes(path, from)) {
-      xmlChar* text = xmlNodeGetContent(node);
-      texts.push_back(text != nullptr ? reinterpret_cast<const char*>(text) : "");
-      xmlFree(text);
-    }
-    return texts;
+    return xpathtest::SelectTexts(m_Document, path, from);
   }
 
  private:

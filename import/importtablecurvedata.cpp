@@ -88,23 +88,13 @@ void ImportTableCurveData(char** words, unsigned* numWords, int /*context*/, Imp
   OrvaneMLRecordDataset* dataset = OrvaneStaticVars::GetCurrentDataset();
   if (n == 0 || dataset == nullptr) return;
 
-  if (strcasecmp(OrvaneStaticVars::GetActiveModel(), "mechanical") != 0) {
-    CardsetImport::m_CreepFlag = 0;
-  } else if (CardsetImport::m_CreepFlag != 0) {
-    // The tables of a creep model are reached by their own id, whatever
-    // dataset the line made current.
-    const std::string tableId = dataset->m_DatasetID;
-    dataset = OrvaneStaticVars::FindDataset(tableId.c_str(), nullptr);
-    if (dataset == nullptr) return;
-  }
+  // Creep models are read only under the mechanical model.
+  if (strcasecmp(OrvaneStaticVars::GetActiveModel(), "mechanical") != 0) CardsetImport::m_CreepFlag = 0;
+  dataset = tables::TableDataTarget(dataset);
+  if (dataset == nullptr) return;
 
   std::map<int, std::vector<int>> lists;
   GetDatasetLinkMap(dataset, lists);
-
-  if (dataset->m_Float != nullptr && dataset->m_Float->m_Curves.empty()) {
-    OrvaneGenericLog::AddDBWarning("Dataset is missing and data ignored");
-    return;
-  }
 
   bool newAxis = false;
   OrvaneMLRecordCurve* curve = nullptr;

@@ -1,9 +1,11 @@
 #include <cstring>
 #include <string>
 
+#include "import/cardsetimport.h"
 #include "import/converters.h"
 #include "import/phasehelpers.h"
 #include "import/tablehelpers.h"
+#include "store/orvane.h"
 #include "store/orvaneml.h"
 
 namespace tables {
@@ -47,6 +49,19 @@ void AppendValue(OrvaneMLRecordValueList* list, const char* text) {
   auto* value = new OrvaneMLRecordValue;
   value->SetValueAsString(text);
   list->AddValue(value);
+}
+
+OrvaneMLRecordDataset* TableDataTarget(OrvaneMLRecordDataset* dataset) {
+  if (CardsetImport::m_CreepFlag != 0) {
+    const std::string tableId = dataset->m_DatasetID;
+    dataset = OrvaneStaticVars::FindDataset(tableId.c_str(), nullptr);
+    if (dataset == nullptr) return nullptr;
+  }
+  if (dataset->m_Float != nullptr && dataset->m_Float->m_Curves.empty()) {
+    OrvaneGenericLog::AddDBWarning("Dataset is missing and data ignored");
+    return nullptr;
+  }
+  return dataset;
 }
 
 }  // namespace tables

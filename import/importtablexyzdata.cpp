@@ -37,19 +37,11 @@ void ImportTableXYZData(char** words, unsigned* numWords, int /*context*/, Impor
   OrvaneMLRecordDataset* dataset = OrvaneStaticVars::GetCurrentDataset();
   if (n == 0 || dataset == nullptr) return;
 
-  if (CardsetImport::m_CreepFlag != 0) {
-    const std::string tableId = dataset->m_DatasetID;
-    dataset = OrvaneStaticVars::FindDataset(tableId.c_str(), nullptr);
-    if (dataset == nullptr) return;
-  }
+  dataset = tables::TableDataTarget(dataset);
+  if (dataset == nullptr) return;
 
   std::map<int, std::vector<int>> lists;
   GetDatasetLinkMap(dataset, lists);
-
-  if (dataset->m_Float != nullptr && dataset->m_Float->m_Curves.empty()) {
-    OrvaneGenericLog::AddDBWarning("Dataset is missing and data ignored");
-    return;
-  }
 
   OrvaneMLRecordCurve* curve = nullptr;
   std::vector<std::string> conditions;

@@ -31,4 +31,10 @@ OrvaneMLRecordValueList* ValuesOf(OrvaneMLRecordParameterAxis* axis);
 // Appends one value, as written, to a value list.
 void AppendValue(OrvaneMLRecordValueList* list, const char* text);
 
+// The dataset a line of table data fills, or null when there is none.  While a
+// creep model is read its tables are reached by their own id, whatever dataset
+// the line made current; a value that holds no curve yet can take no points,
+// which is reported to the store's log.
+OrvaneMLRecordDataset* TableDataTarget(OrvaneMLRecordDataset* dataset);
+
 }  // namespace tables

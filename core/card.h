@@ -4,6 +4,7 @@
 // through. A card is one line of a card file: named fields, each with a type
 // tag and a column width.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,11 @@
 // Abstract root of everything that can print itself into a card line.
 class QUILLON_API Object {
 public:
+    // Values and cards are small and made by the million; they come from the
+    // small-block pool (core/blockpool.h).
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
+
     // Leaves `out` as it is; only cards append their text here.
     virtual void tostring(std::string& out, bool noWidth);
     // Prints the value into `out`, which the caller sizes.

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/blockpool.h"
 #include "core/card.h"
 
 namespace {
@@ -36,6 +37,10 @@ constexpr size_t kFormatSize = 32;
 void Object::tostring(std::string&, bool) {}
 
 Object::~Object() = default;
+
+void* Object::operator new(std::size_t size) { return quillon::AllocateSmallBlock(size); }
+
+void Object::operator delete(void* block, std::size_t size) noexcept { quillon::ReleaseSmallBlock(block, size); }
 
 Data::Data(unsigned type, unsigned& width) : type(type), width(width) {}
 

@@ -443,14 +443,19 @@ const char kThermal[] = "NOM : W S1 thermometal_cp mm";
 
 class OpenCasesStore : public sectiontest::StoreTest {};
 
+// The section `keyword` of `text` read with `entry` in a child with a time limit.
+void ExpectSectionEndsInTime(const std::string& text, const std::string& keyword, SectionEntry entry) {
+  ExpectEndsInTime([&] {
+    sectiontest::CardFile file(text);
+    file.Read(keyword, entry);
+  });
+}
+
 }  // namespace
 
 TEST_F(OpenCasesStore, PhaseLineWithoutNumberLeavesTheMateriauxSection) {
   const std::string text = std::string(kThermal) + "\nMATERIAUX :\nMETALLURGY\nPHASE\nRHO 7800\nFIN MATERIAUX\n";
-  ExpectEndsInTime([&] {
-    sectiontest::CardFile file(text);
-    file.Read("MATERIAUX :", runMateriauxImport);
-  });
+  ExpectSectionEndsInTime(text, "MATERIAUX :", runMateriauxImport);
   if (HasFailure()) return;
   sectiontest::CardFile file(text);
   file.Read(kThermal, runMaterialDetailsImport);
@@ -461,10 +466,7 @@ TEST_F(OpenCasesStore, PhaseLineWithoutNumberLeavesTheMateriauxSection) {
 
 TEST_F(OpenCasesStore, PhaseCountThatIsNoNumberReadsAsZeroAndLeavesTheSection) {
   const std::string text = std::string(kThermal) + "\nMATERIAUX :\nMETALLURGY\nPHASE six\nRHO 7800\nFIN MATERIAUX\n";
-  ExpectEndsInTime([&] {
-    sectiontest::CardFile file(text);
-    file.Read("MATERIAUX :", runMateriauxImport);
-  });
+  ExpectSectionEndsInTime(text, "MATERIAUX :", runMateriauxImport);
   if (HasFailure()) return;
   sectiontest::CardFile file(text);
   file.Read(kThermal, runMaterialDetailsImport);
@@ -476,10 +478,7 @@ TEST_F(OpenCasesStore, PhaseCountThatIsNoNumberReadsAsZeroAndLeavesTheSection) {
 
 TEST_F(OpenCasesStore, MateriauxSectionEndingBeforeItsPhaseLineLeavesTheSection) {
   const std::string text = std::string(kThermal) + "\nMATERIAUX :\nMETALLURGY\n";
-  ExpectEndsInTime([&] {
-    sectiontest::CardFile file(text);
-    file.Read("MATERIAUX :", runMateriauxImport);
-  });
+  ExpectSectionEndsInTime(text, "MATERIAUX :", runMateriauxImport);
   if (HasFailure()) return;
   sectiontest::CardFile file(text);
   ImportObject& section = file.Read("MATERIAUX :", runMateriauxImport);
@@ -492,10 +491,7 @@ TEST_F(OpenCasesStore, MetallurgyHeaderWithoutPhaseNumberLeavesTheSection) {
   const std::vector<std::string> headers = {"MATERIAL 1 PHASE", "MATERIAL 1 PHASE none"};
   for (const std::string& header : headers) {
     const std::string text = header + "\nRHO 7800\nEND\n";
-    ExpectEndsInTime([&] {
-      sectiontest::CardFile file(text);
-      file.Read(header, runMetallurgyImport);
-    });
+    ExpectSectionEndsInTime(text, header, runMetallurgyImport);
     if (HasFailure()) return;
     sectiontest::CardFile file(text);
     ImportObject& section = file.Read(header, runMetallurgyImport);

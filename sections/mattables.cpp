@@ -17,6 +17,11 @@ struct MatTablesStep {
   unsigned word;        // the word cut into the array
   int usedWord;         // the word emptied after the step; -1 for none
   unsigned wantedWords; // slots emptied behind the words found
+  // The member that keeps a number of the line (the table type, the count of
+  // values) and the word it is read from, before that word is emptied; null
+  // for none.
+  int MatTables::*keptNumber;
+  unsigned keptWord;
 };
 
 namespace {
@@ -58,40 +63,40 @@ const LineStep kTableLineData = {LineRead::Words, false, "/", kEndKeywords, "Tab
 const MatTablesStep kTablePhaseDetails = {
     {LineRead::SplitHeld, true, " -&", nullptr, "TablePhaseDetails", FieldList{kPhaseNames, kPhaseTypes, 1},
      ImportTablePhaseDetails, 0, nullptr, false},
-    1, 1, 1};
+    1, 1, 1, nullptr, 0};
 const MatTablesStep kTableConstantDetails = {
     {LineRead::SplitHeld, false, " ", nullptr, "TableConstantDetails", TextFields(kConstantNames),
      ImportTableConstants, 0, nullptr, false},
-    1, 1, 3};
+    1, 1, 3, nullptr, 0};
 const MatTablesStep kTableDetails = {
     {LineRead::SplitHeld, false, " ", nullptr, "TableDetails", FieldList{kDetailsNames, kDetailsTypes, 3}, nullptr,
      0, nullptr, false},
-    1, 1, 3};
+    1, 1, 3, &MatTables::m_TableType, 1};
 const MatTablesStep kTableDetailsForType1And7 = {
     {LineRead::SplitHeld, false, " ", nullptr, "TableDetailsForType1And7",
      FieldList{kType1And7Names, kType1And7Types, 2}, nullptr, 0, nullptr, false},
-    2, 2, 2};
+    2, 2, 2, &MatTables::m_NumTableValues, 0};
 const MatTablesStep kTableDetailsType8 = {
     {LineRead::SplitHeld, false, " ", nullptr, "TableDetailsType8", TextFields(kType8Names), nullptr, 0, nullptr,
      false},
-    2, 2, 1};
+    2, 2, 1, nullptr, 0};
 // The scale stays on this card, the section's last when the values come.
 const MatTablesStep kTableDetailsType9 = {
     {LineRead::SplitHeld, false, " ", nullptr, "TableDetailsType9", FieldList{kType9Names, kType9Types, 3},
      nullptr, 0, nullptr, false},
-    2, -1, 3};
+    2, -1, 3, &MatTables::m_NumTableValues, 0};
 const MatTablesStep kTableData = {{LineRead::SplitHeld, true, " ", nullptr, "TableData", TextFields(kDataNames),
                                ImportTableCurveData, 0, nullptr, false},
-                              1, 1, 1};
+                              1, 1, 1, nullptr, 0};
 const MatTablesStep kTableDataType8 = {{LineRead::SplitHeld, true, " ", nullptr, "TableDataType8",
                                     TextFields(kDataNames), ImportTableCoefficients, 0, nullptr, false},
-                                   0, 0, 1};
+                                   0, 0, 1, nullptr, 0};
 const MatTablesStep kTableDataType9 = {{LineRead::SplitHeld, true, " ", nullptr, "TableDataType9",
                                     TextFields(kDataNames), ImportTableCurveData, 0, nullptr, false},
-                                   2, 2, 2};
+                                   2, 2, 2, nullptr, 0};
 const MatTablesStep kTableRef = {{LineRead::SplitHeld, true, " -&", nullptr, "TableRef", TextFields(kRefNames),
                               ImportTableRef, 0, nullptr, false},
-                             1, 1, 1};
+                             1, 1, 1, nullptr, 0};
 
 bool StartsWith(const std::string& text, const char* prefix) {
   return std::strncmp(text.c_str(), prefix, std::strlen(prefix)) == 0;
@@ -107,15 +112,16 @@ MatTables::MatTables(DataLine* dataLine, ImportObject* importObject)
     : ImportBase(dataLine, importObject), m_TableType(0), m_NumTableValues(0) {}
 MatTables::~MatTables() = default;
 
-bool MatTables::runTableStep(const MatTablesStep& step) {
+void MatTables::runTableStep(const MatTablesStep& step) {
   char** slots = dataLine->getWordArray();
   // The line step cuts the first word; the word the step works on is put
   // there, which the cut overwrites anyway.
   if (step.word != 0) OverwriteWord(slots[0], slots[step.word]);
   runLineStep(step.line);
-  if (numWords == 0 && dataLine->isFlagOn(DataLine::kEndFlagBit)) return false;
+  if (numWords == 0 && dataLine->isFlagOn(DataLine::kEndFlagBit)) return;
   for (unsigned slot = numWords; slot < step.wantedWords; ++slot) slots[slot][0] = '\0';
-  return true;
+  if (step.keptNumber != nullptr) this->*step.keptNumber = std::atoi(slots[step.keptWord]);
+  if (step.usedWord >= 0) slots[step.usedWord][0] = '\0';
 }
 
 unsigned MatTables::importMatTables() {
@@ -164,55 +170,16 @@ void MatTables::readTableLineData() {
   TableValueStr = dataLine->getWordArray()[1];
 }
 
-void MatTables::emptyUsedWord(const MatTablesStep& step) {
-  if (step.usedWord >= 0) dataLine->getWordArray()[step.usedWord][0] = '\0';
-}
-
-void MatTables::readTablePhaseDetails() {
-  if (runTableStep(kTablePhaseDetails)) emptyUsedWord(kTablePhaseDetails);
-}
-
-void MatTables::readTableConstantDetails() {
-  if (runTableStep(kTableConstantDetails)) emptyUsedWord(kTableConstantDetails);
-}
-
-void MatTables::readTableDetails() {
-  if (!runTableStep(kTableDetails)) return;
-  m_TableType = std::atoi(dataLine->getWordArray()[1]);
-  emptyUsedWord(kTableDetails);
-}
-
-void MatTables::readTableDetailsForType1And7() {
-  if (!runTableStep(kTableDetailsForType1And7)) return;
-  m_NumTableValues = std::atoi(dataLine->getWordArray()[0]);
-  emptyUsedWord(kTableDetailsForType1And7);
-}
-
-void MatTables::readTableDetailsType8() {
-  if (runTableStep(kTableDetailsType8)) emptyUsedWord(kTableDetailsType8);
-}
-
-void MatTables::readTableDetailsType9() {
-  if (!runTableStep(kTableDetailsType9)) return;
-  m_NumTableValues = std::atoi(dataLine->getWordArray()[0]);
-  emptyUsedWord(kTableDetailsType9);
-}
-
-void MatTables::readTableData() {
-  if (runTableStep(kTableData)) emptyUsedWord(kTableData);
-}
-
-void MatTables::readTableDataType8() {
-  if (runTableStep(kTableDataType8)) emptyUsedWord(kTableDataType8);
-}
-
-void MatTables::readTableDataType9() {
-  if (runTableStep(kTableDataType9)) emptyUsedWord(kTableDataType9);
-}
-
-void MatTables::readTableRef() {
-  if (runTableStep(kTableRef)) emptyUsedWord(kTableRef);
-}
+void MatTables::readTablePhaseDetails() { runTableStep(kTablePhaseDetails); }
+void MatTables::readTableConstantDetails() { runTableStep(kTableConstantDetails); }
+void MatTables::readTableDetails() { runTableStep(kTableDetails); }
+void MatTables::readTableDetailsForType1And7() { runTableStep(kTableDetailsForType1And7); }
+void MatTables::readTableDetailsType8() { runTableStep(kTableDetailsType8); }
+void MatTables::readTableDetailsType9() { runTableStep(kTableDetailsType9); }
+void MatTables::readTableData() { runTableStep(kTableData); }
+void MatTables::readTableDataType8() { runTableStep(kTableDataType8); }
+void MatTables::readTableDataType9() { runTableStep(kTableDataType9); }
+void MatTables::readTableRef() { runTableStep(kTableRef); }
 
 unsigned runMatTablesImport(DataLine* dataLine, ImportObject* importObject) {
   MatTables reader(dataLine, importObject);

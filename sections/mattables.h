@@ -39,8 +39,8 @@ class QUILLON_API MatTables : public ImportBase {
   int m_NumTableValues;
 
  private:
-  // One step on the word array; false when the section ended under it.
-  bool runTableStep(const MatTablesStep& step);
-  // Empties the word the step has used up.
-  void emptyUsedWord(const MatTablesStep& step);
+  // One step on the word array: the line step, then the number the step
+  // keeps and the emptying of the word it has used up, unless the section
+  // ended under it.
+  void runTableStep(const MatTablesStep& step);
 };

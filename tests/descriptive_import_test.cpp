@@ -79,24 +79,17 @@ std::string ModelDataset(const std::string& material, const std::string& idref) 
 
 class DescriptiveImportTest : public testing::Test {
  protected:
-  void TearDown() override { delete m_Driver; }
-
   // Imports a corpus file the way a host does; the document belongs to the store.
   void* Import(const char* name) {
     FreshStore();
-    const std::string database = ScratchDir() + "/descriptive.xml";
-    std::remove(database.c_str());
-    delete m_Driver;
-    m_Driver = new CardsetImport(CorpusPath(name).c_str(), database.c_str());
-    void* document = nullptr;
-    std::string message;
-    EXPECT_GT(m_Driver->ImportMaterialList(&document, message, false), 1) << name;
-    EXPECT_EQ(message, "") << name;
-    EXPECT_NE(document, nullptr) << name;
-    return document;
+    m_Run = ImportAsAHost(CorpusPath(name), ScratchDir() + "/descriptive.xml");
+    EXPECT_GT(m_Run.visited, 1) << name;
+    EXPECT_EQ(m_Run.message, "") << name;
+    EXPECT_NE(m_Run.document, nullptr) << name;
+    return m_Run.document;
   }
 
-  CardsetImport* m_Driver = nullptr;
+  HostImport m_Run;
 };
 
 TEST_F(DescriptiveImportTest, DispatchTableReadsTheDescriptiveSections) {
@@ -263,7 +256,7 @@ TEST_F(DescriptiveImportTest, SectionsKeepTheirCards) {
   Import("42CrMo4_tempering.mat");
   // The tempering block ends at its reactions right behind its phase count.
   ImportObject* materiaux = nullptr;
-  for (ImportObject* section : m_Driver->m_Sections)
+  for (ImportObject* section : m_Run.driver->m_Sections)
     if (section->getKeywordType() == KW_MATERIAUX) materiaux = section;
   ASSERT_NE(materiaux, nullptr);
   std::vector<std::string> names;

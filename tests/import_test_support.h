@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <string>
 
@@ -48,6 +49,25 @@ inline void FreshStore() {
   std::remove(none.c_str());
   OrvaneStaticVars::Init(none.c_str());
   Card::setFlag(20);
+}
+
+// One import as a host makes it: a driver over `cardFile` whose store name is
+// `database` (removed first, so that the store starts empty), and what the
+// import gave back. The driver, and with it every section and card, lives as
+// long as the run.
+struct HostImport {
+  std::unique_ptr<CardsetImport> driver;
+  void* document = nullptr;
+  std::string message;
+  int visited = 0;
+};
+
+inline HostImport ImportAsAHost(const std::string& cardFile, const std::string& database) {
+  std::remove(database.c_str());
+  HostImport run;
+  run.driver = std::make_unique<CardsetImport>(cardFile.c_str(), database.c_str());
+  run.visited = run.driver->ImportMaterialList(&run.document, run.message, false);
+  return run;
 }
 
 // Reads one section the way the driver does: the keyword line is read again

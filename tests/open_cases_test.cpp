@@ -89,14 +89,10 @@ std::string ImportedDatabase(const std::string& name, const std::string& text, i
   importtest::FreshStore();
   const std::string path = importtest::WriteCardFile(name, text);
   const std::string database = importtest::ScratchDir() + "/open_cases_db.xml";
-  std::remove(database.c_str());
   {
-    CardsetImport driver(path.c_str(), database.c_str());
-    void* document = nullptr;
-    std::string message;
-    const int visited = driver.ImportMaterialList(&document, message, false);
-    if (result != nullptr) *result = visited;
-    EXPECT_NE(nullptr, document);
+    const importtest::HostImport run = importtest::ImportAsAHost(path, database);
+    if (result != nullptr) *result = run.visited;
+    EXPECT_NE(nullptr, run.document);
   }
   EXPECT_TRUE(OrvaneStaticVars::SaveDatabase(database.c_str()));
   std::ifstream in(database, std::ios::binary);

@@ -85,20 +85,15 @@ std::string Record(const std::string& material) { return "/MaterialDatabase/Reco
 class ReactionsImportTest : public testing::Test {
  protected:
   void SetUp() override { CardsetImport::m_PhaseIndexNameMap.clear(); }
-  void TearDown() override { delete m_Driver; }
 
   // Imports a corpus file as a host does, saves the database and reads it back.
   std::string ImportAndSave(const char* name) {
     FreshStore();
     const std::string database = ScratchDir() + "/reactions.xml";
-    std::remove(database.c_str());
-    delete m_Driver;
-    m_Driver = new CardsetImport(CorpusPath(name).c_str(), database.c_str());
-    void* document = nullptr;
-    std::string message;
-    EXPECT_GT(m_Driver->ImportMaterialList(&document, message, false), 1) << name;
-    EXPECT_EQ(message, "") << name;
-    EXPECT_NE(document, nullptr) << name;
+    m_Run = ImportAsAHost(CorpusPath(name), database);
+    EXPECT_GT(m_Run.visited, 1) << name;
+    EXPECT_EQ(m_Run.message, "") << name;
+    EXPECT_NE(m_Run.document, nullptr) << name;
     EXPECT_TRUE(OrvaneStaticVars::SaveDatabase(database.c_str())) << OrvaneStaticVars::GetLastError();
     return database;
   }
@@ -119,7 +114,7 @@ class ReactionsImportTest : public testing::Test {
   // The sections the driver read of one keyword type, in file order.
   std::vector<ImportObject*> SectionsOf(unsigned type) {
     std::vector<ImportObject*> found;
-    for (ImportObject* section : m_Driver->m_Sections)
+    for (ImportObject* section : m_Run.driver->m_Sections)
       if (section->getKeywordType() == type) found.push_back(section);
     return found;
   }
@@ -167,7 +162,7 @@ class ReactionsImportTest : public testing::Test {
     }
   }
 
-  CardsetImport* m_Driver = nullptr;
+  HostImport m_Run;
 };
 
 TEST_F(ReactionsImportTest, DispatchTableReadsReactionsAndGrain) {

@@ -89,9 +89,12 @@ inline bool FileExists(const std::string& path) { return access(path.c_str(), F_
 // Each test starts on an empty store under the test mapping.
 class StoreTest : public ::testing::Test {
  protected:
+  // The mapping the store is started with; a suite may give one of its own.
+  virtual const char* MappingXml() const { return kMappingXml; }
+
   void SetUp() override {
     m_MappingPath = ScratchPath("mapping.xml");
-    WriteFile(m_MappingPath, kMappingXml);
+    WriteFile(m_MappingPath, MappingXml());
     setenv("QUILLON_MAPPING_FILE", m_MappingPath.c_str(), 1);
     OrvaneStaticVars::Init("no database of this name");
   }

@@ -37,20 +37,12 @@ const char kMapping[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </Mapping>
 )";
 
-class StoreTablesTest : public ::testing::Test {
+class StoreTablesTest : public storetest::StoreTest {
  protected:
+  const char* MappingXml() const override { return kMapping; }
   void SetUp() override {
-    m_MappingPath = storetest::ScratchPath("tables-mapping.xml");
-    storetest::WriteFile(m_MappingPath, kMapping);
-    setenv("QUILLON_MAPPING_FILE", m_MappingPath.c_str(), 1);
-    OrvaneStaticVars::Init("no database of this name");
-    OrvaneStaticVars::SetActiveModel("mechanical");
-    OrvaneStaticVars::GetOrCreateMaterial("W_S1");
-  }
-  void TearDown() override {
-    OrvaneStaticVars::Init(nullptr);
-    unsetenv("QUILLON_MAPPING_FILE");
-    std::remove(m_MappingPath.c_str());
+    StoreTest::SetUp();
+    StartMaterial("W_S1", "mechanical");
   }
 
   // A parameter's dataset that a label line links to table `id`.
@@ -72,8 +64,6 @@ class StoreTablesTest : public ::testing::Test {
   static std::vector<OrvaneMLRecordDataset*>& Own() {
     return OrvaneStaticVars::GetCurrentMaterial()->m_Datasets->m_Datasets;
   }
-
-  std::string m_MappingPath;
 };
 
 TEST_F(StoreTablesTest, InATableSectionAParametersTableIsADatasetOfItsOwn) {

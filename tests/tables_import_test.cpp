@@ -197,19 +197,13 @@ std::vector<std::string> Every(const std::vector<std::string>& values, size_t st
 
 class TablesImportTest : public testing::Test {
  protected:
-  void TearDown() override { delete m_Driver; }
-
   // Imports a card file as a host does and saves the database.
   std::string Import(const std::string& path) {
     FreshStore();
     m_Database = ScratchDir() + "/tables-import.xml";
-    std::remove(m_Database.c_str());
-    delete m_Driver;
-    m_Driver = new CardsetImport(path.c_str(), m_Database.c_str());
-    void* document = nullptr;
-    std::string message;
-    EXPECT_GT(m_Driver->ImportMaterialList(&document, message, false), 0) << path;
-    EXPECT_EQ(message, "") << path;
+    m_Run = ImportAsAHost(path, m_Database);
+    EXPECT_GT(m_Run.visited, 0) << path;
+    EXPECT_EQ(m_Run.message, "") << path;
     EXPECT_TRUE(OrvaneStaticVars::SaveDatabase(m_Database.c_str())) << OrvaneStaticVars::GetLastError();
     return m_Database;
   }
@@ -290,7 +284,7 @@ class TablesImportTest : public testing::Test {
     return found;
   }
 
-  CardsetImport* m_Driver = nullptr;
+  HostImport m_Run;
   std::string m_Database;
   int m_Checked = 0;
 };
